@@ -1,0 +1,76 @@
+# Helpers that keep each folder's CMakeLists.txt to a list of names.
+
+# spectree_sources(a.h a.cpp ...): adds files of the current folder to the library. Headers that do
+# not end in _p.h are installed as include/spectree/<folder>/<file>.
+function(spectree_sources)
+    foreach(file IN LISTS ARGN)
+        target_sources(spectree PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}/${file}")
+        if(file MATCHES "\\.h$" AND NOT file MATCHES "_p\\.h$")
+            file(RELATIVE_PATH folder "${PROJECT_SOURCE_DIR}" "${CMAKE_CURRENT_SOURCE_DIR}")
+            install(FILES "${file}" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/spectree/${folder}"
+                    COMPONENT dev)
+        endif()
+    endforeach()
+endfunction()
+
+function(spectree_finish_library target)
+    target_include_directories(${target} PUBLIC
+        "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>"
+        "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/spectree>")
+    target_compile_features(${target} PUBLIC cxx_std_20)
+    # A sample of type char is a signed number on every processor.
+    target_compile_options(${target} PUBLIC -fsigned-char)
+    target_compile_definitions(${target} PRIVATE SPECTREE_BUILDING_LIBRARY)
+    target_link_libraries(${target}
+        PUBLIC Qt5::Core Qt5::Gui Qt5::Xml Boost::headers PkgConfig::ZMQ
+        PRIVATE PkgConfig::ZSTD Threads::Threads)
+    set_target_properties(${target} PROPERTIES
+        VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} EXPORT_NAME spectree)
+endfunction()
+
+# spectree_test(name [THREADS] [LIBRARIES lib...] SOURCES file...): one GoogleTest program. THREADS
+# labels it for the run under the thread sanitizer.
+function(spectree_test name)
+    cmake_parse_arguments(arg "THREADS" "TIMEOUT" "SOURCES;LIBRARIES" ${ARGN})
+    add_executable(${name} ${arg_SOURCES} "${PROJECT_SOURCE_DIR}/tests/test_main.cpp")
+    target_link_libraries(${name} PRIVATE spectree GTest::gmock ${arg_LIBRARIES})
+    target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+    add_test(NAME ${name} COMMAND ${name})
+    if(NOT arg_TIMEOUT)
+        set(arg_TIMEOUT 120)
+    endif()
+    set(options "QT_QPA_PLATFORM=offscreen"
+        "TSAN_OPTIONS=ignore_noninstrumented_modules=1:halt_on_error=1:second_deadlock_stack=1"
+        "ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1"
+        "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/cmake/lsan.supp:print_suppressions=0"
+        "UBSAN_OPTIONS=print_stacktrace=1")
+    set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} ENVIRONMENT "${options}")
+    if(arg_THREADS)
+        set_tests_properties(${name} PROPERTIES LABELS threads)
+    endif()
+endfunction()
+
+# spectree_bench(name SOURCES file... [LIBRARIES lib...]): one Google Benchmark program.
+function(spectree_bench name)
+    cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES" ${ARGN})
+    add_executable(${name} ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE spectree benchmark::benchmark ${arg_LIBRARIES})
+    target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/bench")
+endfunction()
+
+# spectree_fuzz(name SOURCES file... [LIBRARIES lib...]): one libFuzzer program with its seeds in
+# fuzz/corpus/<name>; the test of the same name runs it for a few seconds.
+function(spectree_fuzz name)
+    cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES" ${ARGN})
+    add_executable(${name} ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE spectree ${arg_LIBRARIES})
+    target_compile_options(${name} PRIVATE -fsanitize=fuzzer)
+    target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+    add_test(NAME ${name} COMMAND ${name} -max_total_time=5 -rss_limit_mb=1024 -timeout=10
+        "${CMAKE_CURRENT_BINARY_DIR}/work/${name}" "${PROJECT_SOURCE_DIR}/fuzz/corpus/${name}")
+    # New inputs go to a scratch folder of the build, never into the seeds.
+    file(MAKE_DIRECTORY "${CMAKE_CURRENT_BINARY_DIR}/work/${name}")
+    set_tests_properties(${name} PROPERTIES TIMEOUT 60 LABELS fuzz
+        WORKING_DIRECTORY "${CMAKE_CURRENT_BINARY_DIR}/work/${name}"
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+endfunction()

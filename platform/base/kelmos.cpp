@@ -1,0 +1,66 @@
+#include "platform/base/kelmos.h"
+
+#include <QCoreApplication>
+
+#include <atomic>
+#include <chrono>
+#include <exception>
+
+namespace {
+
+// Constant-initialised, so that a check before and after all constructors is sound.
+std::atomic<const void *> appThread{nullptr};
+std::atomic<bool> unloading{false};
+
+// The address of a thread-local is unique among living threads and costs no call to read.
+thread_local char threadMark;
+
+void forgetAppThread() { appThread.store(nullptr, std::memory_order_relaxed); }
+
+void noteAppThread()
+{
+    appThread.store(&threadMark, std::memory_order_relaxed);
+    qAddPostRoutine(forgetAppThread);
+}
+Q_COREAPP_STARTUP_FUNCTION(noteAppThread)
+
+class Platform final : public IKelmOS {
+public:
+    bool IsAppThread() const override
+    {
+        return appThread.load(std::memory_order_relaxed) == &threadMark;
+    }
+    bool IsAcceptableThread() const override
+    {
+        const void *known = appThread.load(std::memory_order_relaxed);
+        return known == nullptr || known == &threadMark;
+    }
+    bool IsAppThreadKnown() const override
+    {
+        return appThread.load(std::memory_order_relaxed) != nullptr;
+    }
+    KRTimeStamp GetCurrentTime() const override
+    {
+        using namespace std::chrono;
+        return KRTimeStamp(
+            duration_cast<microseconds>(system_clock::now().time_since_epoch()).count());
+    }
+    std::uint64_t GetTickCount() const override
+    {
+        using namespace std::chrono;
+        return std::uint64_t(
+            duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count());
+    }
+};
+
+} // namespace
+
+const IKelmOS &KelmOS::Get()
+{
+    static const Platform platform;
+    return platform;
+}
+
+bool Kelm::isUnloading() { return unloading.load(std::memory_order_relaxed); }
+void Kelm::setUnloading(bool on) { unloading.store(on, std::memory_order_relaxed); }
+void Kelm::terminate() { std::terminate(); }

@@ -1,0 +1,111 @@
+#include "platform/base/observable.h"
+
+#include <algorithm>
+#include <iterator>
+
+/// One running notification; it outlives its Observable when an observer destroys that.
+struct Observable::Call {
+    Observable *subject;
+    Call *outer;
+
+    explicit Call(Observable *observable) : subject(observable), outer(observable->m_running)
+    {
+        observable->m_running = this;
+    }
+    ~Call()
+    {
+        if (subject != nullptr)
+            subject->endCall(outer);
+    }
+};
+
+Observable::~Observable()
+{
+    for (Call *call = m_running; call != nullptr; call = call->outer)
+        call->subject = nullptr;
+}
+
+void Observable::AddObserver(IObserver *observer)
+{
+    if (observer == nullptr ||
+        std::find(m_observers.begin(), m_observers.end(), observer) != m_observers.end())
+        return;
+    m_observers.push_back(observer);
+    ++m_count;
+}
+
+void Observable::DeleteObserver(IObserver *observer)
+{
+    const auto found = std::find(m_observers.begin(), m_observers.end(), observer);
+    if (observer == nullptr || found == m_observers.end())
+        return;
+    --m_count;
+    if (m_running != nullptr)
+        *found = nullptr;
+    else
+        m_observers.erase(found);
+}
+
+void Observable::DeleteObservers()
+{
+    m_count = 0;
+    if (m_running != nullptr)
+        std::fill(m_observers.begin(), m_observers.end(), nullptr);
+    else
+        m_observers.clear();
+}
+
+void Observable::MakeFirstObserver(IObserver *observer)
+{
+    if (m_running != nullptr)
+        m_toFront.push_back(observer);
+    else
+        moveToFront(observer);
+}
+
+void Observable::moveToFront(IObserver *observer)
+{
+    const auto found = std::find(m_observers.begin(), m_observers.end(), observer);
+    if (observer != nullptr && found != m_observers.end())
+        std::rotate(m_observers.begin(), found, found + 1);
+}
+
+std::vector<IObserver *> Observable::GetObservers() const
+{
+    std::vector<IObserver *> present;
+    present.reserve(m_count);
+    std::copy_if(m_observers.begin(), m_observers.end(), std::back_inserter(present),
+                 [](const IObserver *observer) { return observer != nullptr; });
+    return present;
+}
+
+void Observable::NotifyObservers(TChangeCode code, IObserver *source)
+{
+    if (m_count == 0)
+        return;
+    Call call(this);
+    const std::size_t end = m_observers.size();
+    for (std::size_t i = 0; i < end; ++i) {
+        IObserver *observer = m_observers[i];
+        // The source may be gone by now, so it is compared and never asked.
+        if (observer == nullptr || observer == source ||
+            (source != nullptr && observer->KnownAs() == source))
+            continue;
+        observer->Update(this, code);
+        if (call.subject == nullptr)
+            return;
+    }
+}
+
+void Observable::endCall(Call *outer)
+{
+    m_running = outer;
+    if (outer != nullptr)
+        return;
+    if (m_count != m_observers.size())
+        m_observers.erase(std::remove(m_observers.begin(), m_observers.end(), nullptr),
+                          m_observers.end());
+    for (IObserver *observer : m_toFront)
+        moveToFront(observer);
+    m_toFront.clear();
+}

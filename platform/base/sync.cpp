@@ -1,0 +1,69 @@
+#include "platform/base/sync.h"
+
+#if defined(__SANITIZE_THREAD__)
+#define SPECTREE_UNDER_TSAN 1
+#elif defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+#define SPECTREE_UNDER_TSAN 1
+#endif
+#endif
+
+#if defined(SPECTREE_UNDER_TSAN)
+extern "C" void __tsan_acquire(void *address);
+extern "C" void __tsan_release(void *address);
+#endif
+
+namespace Kelm {
+
+void syncRelease([[maybe_unused]] const void *address)
+{
+#if defined(SPECTREE_UNDER_TSAN)
+    __tsan_release(const_cast<void *>(address));
+#endif
+}
+
+void syncAcquire([[maybe_unused]] const void *address)
+{
+#if defined(SPECTREE_UNDER_TSAN)
+    __tsan_acquire(const_cast<void *>(address));
+#endif
+}
+
+ReadWriteLock::ReadWriteLock(Kind kind)
+    : m_lock(kind == Kind::recursive ? QReadWriteLock::Recursive : QReadWriteLock::NonRecursive)
+{
+}
+
+void ReadWriteLock::lockForRead()
+{
+    m_lock.lockForRead();
+    syncAcquire(this);
+}
+
+void ReadWriteLock::lockForWrite()
+{
+    m_lock.lockForWrite();
+    syncAcquire(this);
+}
+
+bool ReadWriteLock::tryLockForWrite(int milliseconds)
+{
+    const bool locked = m_lock.tryLockForWrite(milliseconds);
+    if (locked)
+        syncAcquire(this);
+    return locked;
+}
+
+void ReadWriteLock::unlockRead()
+{
+    syncRelease(this);
+    m_lock.unlock();
+}
+
+void ReadWriteLock::unlockWrite()
+{
+    syncRelease(this);
+    m_lock.unlock();
+}
+
+} // namespace Kelm

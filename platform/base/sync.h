@@ -1,0 +1,106 @@
+#pragma once
+
+#include "platform/base/export.h"
+#include "platform/base/threadannotations.h"
+
+#include <QMetaObject>
+#include <QObject>
+#include <QReadWriteLock>
+
+#include <mutex>
+#include <utility>
+
+/// Locks and posts between threads. They behave like Qt's and the standard library's, and tell
+/// clang's analysis and the thread sanitizer what those can't see inside an uninstrumented Qt.
+namespace Kelm {
+
+/// Tell the thread sanitizer that what this thread did before is seen by the thread that calls
+/// syncAcquire with the same address afterwards. Nothing at all in other builds.
+SPECTREE_EXPORT void syncRelease(const void *address);
+SPECTREE_EXPORT void syncAcquire(const void *address);
+
+/// A plain mutex with annotations.
+class SPECTREE_CAPABILITY("mutex") Mutex {
+public:
+    void lock() SPECTREE_ACQUIRE() { m_mutex.lock(); }
+    void unlock() SPECTREE_RELEASE() { m_mutex.unlock(); }
+    bool try_lock() SPECTREE_TRY_ACQUIRE(true) { return m_mutex.try_lock(); }
+    /// For std::condition_variable only.
+    std::mutex &native() { return m_mutex; }
+
+private:
+    std::mutex m_mutex;
+};
+
+class SPECTREE_SCOPED_CAPABILITY MutexLocker {
+public:
+    explicit MutexLocker(Mutex &mutex) SPECTREE_ACQUIRE(mutex) : m_mutex(mutex) { mutex.lock(); }
+    ~MutexLocker() SPECTREE_RELEASE() { m_mutex.unlock(); }
+    MutexLocker(const MutexLocker &) = delete;
+    MutexLocker &operator=(const MutexLocker &) = delete;
+
+private:
+    Mutex &m_mutex;
+};
+
+/// QReadWriteLock with annotations. A recursive one may be taken again by the thread that holds
+/// it, for the same purpose.
+class SPECTREE_EXPORT SPECTREE_CAPABILITY("read-write lock") ReadWriteLock {
+public:
+    enum class Kind { plain, recursive };
+    explicit ReadWriteLock(Kind kind = Kind::plain);
+
+    void lockForRead() SPECTREE_ACQUIRE_SHARED();
+    void lockForWrite() SPECTREE_ACQUIRE();
+    bool tryLockForWrite(int milliseconds) SPECTREE_TRY_ACQUIRE(true);
+    void unlockRead() SPECTREE_RELEASE_SHARED();
+    void unlockWrite() SPECTREE_RELEASE();
+
+private:
+    QReadWriteLock m_lock;
+};
+
+class SPECTREE_SCOPED_CAPABILITY ReadLocker {
+public:
+    explicit ReadLocker(ReadWriteLock &lock) SPECTREE_ACQUIRE_SHARED(lock) : m_lock(lock)
+    {
+        lock.lockForRead();
+    }
+    ~ReadLocker() SPECTREE_RELEASE_GENERIC() { m_lock.unlockRead(); }
+    ReadLocker(const ReadLocker &) = delete;
+    ReadLocker &operator=(const ReadLocker &) = delete;
+
+private:
+    ReadWriteLock &m_lock;
+};
+
+class SPECTREE_SCOPED_CAPABILITY WriteLocker {
+public:
+    explicit WriteLocker(ReadWriteLock &lock) SPECTREE_ACQUIRE(lock) : m_lock(lock)
+    {
+        lock.lockForWrite();
+    }
+    ~WriteLocker() SPECTREE_RELEASE() { m_lock.unlockWrite(); }
+    WriteLocker(const WriteLocker &) = delete;
+    WriteLocker &operator=(const WriteLocker &) = delete;
+
+private:
+    ReadWriteLock &m_lock;
+};
+
+/// Runs \a work on the thread of \a receiver, later, in the order of the posts. Dropped unrun when
+/// the receiver is destroyed first. Any thread may call it while the receiver lives.
+template <typename Work>
+void post(QObject *receiver, Work &&work)
+{
+    syncRelease(receiver);
+    QMetaObject::invokeMethod(
+        receiver,
+        [receiver, task = std::forward<Work>(work)]() mutable {
+            syncAcquire(receiver);
+            task();
+        },
+        Qt::QueuedConnection);
+}
+
+} // namespace Kelm

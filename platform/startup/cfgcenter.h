@@ -1,0 +1,24 @@
+#pragma once
+
+#include "platform/base/export.h"
+
+#include <QString>
+#include <QVariant>
+
+/// Answers configuration keys. A key may name its section: "Section/Key".
+class SPECTREE_EXPORT ICfg {
+public:
+    virtual ~ICfg() = default;
+    virtual bool GetBool(const QString &key, bool defaultValue) const = 0;
+    virtual QString GetString(const QString &key, const QString &defaultValue) const = 0;
+    /// Sets a key for this process; it goes before every file. Invalid takes it back.
+    virtual void Set(const QString &key, const QVariant &value) = 0;
+};
+
+/// The configuration of the application, in rising precedence: the default that the caller gives,
+/// /etc/spectree.ini, the user's spectree/spectree.ini (XDG), what the program set (its command
+/// line). A file is read once, on first use. Any thread.
+class SPECTREE_EXPORT CfgCenter {
+public:
+    static ICfg &GetAppCfg();
+};
