@@ -11,6 +11,8 @@ write_basic_package_version_file("${CMAKE_CURRENT_BINARY_DIR}/SpectreeConfigVers
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/SpectreeConfig.cmake"
               "${CMAKE_CURRENT_BINARY_DIR}/SpectreeConfigVersion.cmake"
     DESTINATION "${SPECTREE_CMAKE_DIR}" COMPONENT dev)
+# The .pc file finds its prefix from where it stands, so that an installed tree can be moved.
+file(RELATIVE_PATH SPECTREE_PC_TO_PREFIX "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 configure_file(cmake/spectree.pc.in "${CMAKE_CURRENT_BINARY_DIR}/spectree.pc" @ONLY)
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/spectree.pc"
     DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT dev)

@@ -25,7 +25,7 @@ public:
 class SPECTREE_EXPORT Observable {
 public:
     Observable() = default;
-    Observable(const Observable &) {}                          // observers are not copied
+    Observable(const Observable &) {}                           // observers are not copied
     Observable &operator=(const Observable &) { return *this; } // nor replaced
     virtual ~Observable();
 
