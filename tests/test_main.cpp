@@ -2,7 +2,13 @@
 // ends by asking whether a long-lived object was left behind.
 #include "platform/base/instancecounter.h"
 
+#if defined(SPECTREE_TEST_GUI)
 #include <QGuiApplication>
+using TestApplication = QGuiApplication;
+#else
+#include <QCoreApplication>
+using TestApplication = QCoreApplication;
+#endif
 #include <gtest/gtest.h>
 
 #include <iostream>
@@ -10,7 +16,7 @@
 int main(int argc, char **argv)
 {
     ::testing::InitGoogleTest(&argc, argv);
-    QGuiApplication app(argc, argv);
+    TestApplication app(argc, argv);
     const int result = RUN_ALL_TESTS();
     const auto left = Kelm::InstanceCounter::alive();
     for (const auto &[name, count] : left)
