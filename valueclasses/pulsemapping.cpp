@@ -1,0 +1,1 @@
+#include "valueclasses/pulsemapping.h"
