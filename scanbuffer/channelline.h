@@ -83,7 +83,7 @@ private:
     mutable std::uint32_t m_staleBegin = 0, m_staleEnd = 0; // equal: nothing to refill
 };
 
-#define SPECTREE_DECLARE(Y, Handler) extern template class ChannelLine<Y, Handler>;
+#define SPECTREE_DECLARE(Y, Handler) extern template class SPECTREE_EXPORT ChannelLine<Y, Handler>;
 SPECTREE_FOR_EACH_SAMPLE_PAIR(SPECTREE_DECLARE)
 #undef SPECTREE_DECLARE
 

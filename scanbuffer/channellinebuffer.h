@@ -59,7 +59,8 @@ private:
     std::uint64_t m_currentId = 0, m_lastFinishedId = 0, m_firstId = 0;
 };
 
-#define SPECTREE_DECLARE(Y, Handler) extern template class ChannelLineBuffer<Y, Handler>;
+#define SPECTREE_DECLARE(Y, Handler)                                                               \
+    extern template class SPECTREE_EXPORT ChannelLineBuffer<Y, Handler>;
 SPECTREE_FOR_EACH_SAMPLE_PAIR(SPECTREE_DECLARE)
 #undef SPECTREE_DECLARE
 

@@ -154,7 +154,7 @@ private:
     std::unique_ptr<ScanBufferSizeManager, Dispose> m_sizeManager; // goes first: it uses the rest
 };
 
-#define SPECTREE_DECLARE(Y, Handler) extern template class ScanBuffer<Y, Handler>;
+#define SPECTREE_DECLARE(Y, Handler) extern template class SPECTREE_EXPORT ScanBuffer<Y, Handler>;
 SPECTREE_FOR_EACH_SAMPLE_PAIR(SPECTREE_DECLARE)
 #undef SPECTREE_DECLARE
 
