@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/base/export.h"
+
+#include <QObject>
+#include <QString>
+
+namespace sbs {
+
+class IDataSourceAdapter;
+
+/// The signals of a data source, and the slot by which a window asks to be removed.
+class SPECTREE_EXPORT DataSourceQObject : public QObject {
+    Q_OBJECT
+
+public:
+    DataSourceQObject();
+    ~DataSourceQObject() override;
+
+public Q_SLOTS:
+    virtual void slotRemoveWindowData(QString winGUID) = 0;
+
+Q_SIGNALS:
+    /// What a window tells of its adapters, on the window's thread.
+    void signalAdapterCreated(sbs::IDataSourceAdapter *adapter);
+    void signalAdapterDeleted(QString adapter);
+};
+
+} // namespace sbs
