@@ -31,6 +31,7 @@ namespace values {
 /// call them. A dimension is one numeric facet of a sample, counted from 0 and read as a double;
 /// one that does not exist throws KRException. Minimum() is the invalid sample and the start of
 /// every running maximum. "Greater" is what the sample type's own operators say, nothing else.
+// clang-format off: version 14 breaks each compound requirement into three lines
 template <typename H, typename Y>
 concept SampleHandler = requires(Y sample, const Y &constSample, QString text, const QString *unit,
                                  char *destination, const char **cursor, bool ok)
@@ -81,8 +82,10 @@ concept SampleHandler = requires(Y sample, const Y &constSample, QString text, c
     {
         H::GetLevelUnit()
         } -> std::same_as<QString>;
-    requires(imageSize<Y> != 0);
+    requires imageSize<Y>
+    != 0;
 };
+// clang-format on
 
 /// One pair as a type, for lists of types and typed tests.
 template <typename Y, typename YHandler>

@@ -60,8 +60,8 @@ public:
     {
         return (value - m_min) * m_pixelCount / (m_max - m_min);
     }
-    /// The smallest value of a pixel, so that ToPixel gives \a pixel again; the pixel count gives
-    /// the maximum. \pre valid() and 0 <= pixel <= GetPixelCnt()
+    /// Where a pixel begins; ToPixel gives \a pixel again unless pixels are narrower than doubles
+    /// resolve. The pixel count gives the maximum. \pre valid() and 0 <= pixel <= GetPixelCnt()
     double GetPixelStart(int pixel) const;
     /// \pre as GetPixelStart, and pixel < GetPixelCnt()
     double GetPixelCenter(int pixel) const;
@@ -92,7 +92,7 @@ public:
     bool recalc();
 
     /// Limits, pixel count, flags and sections.
-    bool operator==(const axisDefinition &other) const = default;
+    bool operator==(const axisDefinition &other) const;
 
 private:
     double m_min = 0.0, m_max = 0.0;
