@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+
+/// The kinds of adapters, with the name by which a display asks for one; 10 is not assigned.
+enum Adapter_Type : std::uint16_t {
+    AdapterType_None = 0,
+    AdapterType_Statistics = 1,    ///< "Statistics"
+    AdapterType_Curve = 2,         ///< "Curve"
+    AdapterType_XAxis = 3,         ///< "XAxis"
+    AdapterType_Waterfall = 4,     ///< "Waterfall"
+    AdapterType_Azimuth = 5,       ///< "Azimuth"
+    AdapterType_Elevation = 6,     ///< "Elevation"
+    AdapterType_XMarker = 7,       ///< "XMarker"
+    AdapterType_Threshold = 8,     ///< "Threshold"
+    AdapterType_MaxHold = 9,       ///< "MaxHold"
+    AdapterType_StaticSource = 11, ///< "StaticSource"
+    AdapterType_KFactor = 12,      ///< "KFactor"; no adapter serves it
+    AdapterType_RefLine = 13,      ///< "RefLine"
+    AdapterType_Sparkles = 14,     ///< "Sparkles"
+    AdapterType_HistogramAz = 15,  ///< "HistogramAz"
+    AdapterType_HistogramEl = 16,  ///< "HistogramEl"
+    AdapterType_Compression = 17,  ///< "Compression"
+    AdapterType_YRange = 18,       ///< "YRange"
+    AdapterType_YRange2 = 19,      ///< "YRange2"
+    AdapterType_YRangeA = 20,      ///< "YRangeA"
+    AdapterType_YRangeE = 21,      ///< "YRangeE"
+    AdapterType_IndexLine = 22,    ///< "IndexLine"
+    AdapterType_NoiseFloor = 23,   ///< "NoiseFloor"
+};
