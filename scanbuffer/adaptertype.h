@@ -1,6 +1,11 @@
 #pragma once
 
+#include "platform/base/export.h"
+
+#include <QByteArray>
+
 #include <cstdint>
+#include <span>
 
 /// The kinds of adapters, with the name by which a display asks for one; 10 is not assigned.
 enum Adapter_Type : std::uint16_t {
@@ -28,3 +33,20 @@ enum Adapter_Type : std::uint16_t {
     AdapterType_IndexLine = 22,    ///< "IndexLine"
     AdapterType_NoiseFloor = 23,   ///< "NoiseFloor"
 };
+
+namespace sbs {
+
+/// A kind and the name by which a display asks a server for it.
+struct AdapterName {
+    Adapter_Type type;
+    const char *name;
+};
+
+/// All kinds that have a name, by rising number.
+SPECTREE_EXPORT std::span<const AdapterName> adapterNames();
+/// The name of a kind; empty when it has none.
+SPECTREE_EXPORT QByteArray adapterName(Adapter_Type type);
+/// The kind of a name; AdapterType_None for an unknown one.
+SPECTREE_EXPORT Adapter_Type adapterType(const QByteArray &name);
+
+} // namespace sbs

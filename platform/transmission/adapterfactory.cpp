@@ -1,0 +1,8 @@
+#include "platform/transmission/adapterfactory.h"
+
+namespace sbs {
+
+IAdapterFactory::~IAdapterFactory() = default;
+IAdapterControllerFactory::~IAdapterControllerFactory() = default;
+
+} // namespace sbs
