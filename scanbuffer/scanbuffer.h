@@ -9,6 +9,7 @@
 #include "scanbuffer/scanbufferaccess.h"
 #include "scanbuffer/scanbufferqobject.h"
 #include "scanbuffer/scanbuffervisitor.h"
+#include "valueclasses/spectraldatapiece.h"
 
 #include <atomic>
 #include <memory>
@@ -19,13 +20,7 @@ namespace sbs {
 
 class ScanBufferSizeManager;
 
-/// A run of samples for neighbouring channels. Owns nothing.
-template <typename Y>
-struct SpectralDataPiece {
-    std::uint32_t firstIndex = 0; ///< index of the first channel, as ChannelIdToIndex gives it
-    std::uint32_t count = 0;
-    const Y *samples = nullptr;
-};
+using values::SpectralDataPiece;
 
 /// The store of recent scans of one spectral value: a ring of channel lines, the channel range
 /// definitions that hold for them, and the scan rate.

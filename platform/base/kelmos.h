@@ -29,6 +29,8 @@ public:
 
 namespace Kelm {
 
+/// IKelmOS::IsAcceptableThread without the object, for checks on hot paths.
+SPECTREE_EXPORT bool isAcceptableThread();
 /// True from the moment the library begins to unload; thread checks are waived then.
 SPECTREE_EXPORT bool isUnloading();
 /// For tests and for the unload itself.

@@ -7,6 +7,7 @@
 struct Observable::Call {
     Observable *subject;
     Call *outer;
+    std::vector<IObserver *> toFront; // of the outermost call: wishes that wait for its end
 
     explicit Call(Observable *observable) : subject(observable), outer(observable->m_running)
     {
@@ -15,7 +16,7 @@ struct Observable::Call {
     ~Call()
     {
         if (subject != nullptr)
-            subject->endCall(outer);
+            subject->endCall(*this);
     }
 };
 
@@ -57,8 +58,11 @@ void Observable::DeleteObservers()
 
 void Observable::MakeFirstObserver(IObserver *observer)
 {
-    if (m_running != nullptr)
-        m_toFront.push_back(observer);
+    Call *outermost = m_running;
+    while (outermost != nullptr && outermost->outer != nullptr)
+        outermost = outermost->outer;
+    if (outermost != nullptr)
+        outermost->toFront.push_back(observer);
     else
         moveToFront(observer);
 }
@@ -81,8 +85,6 @@ std::vector<IObserver *> Observable::GetObservers() const
 
 void Observable::NotifyObservers(TChangeCode code, IObserver *source)
 {
-    if (m_count == 0)
-        return;
     Call call(this);
     const std::size_t end = m_observers.size();
     for (std::size_t i = 0; i < end; ++i) {
@@ -97,15 +99,15 @@ void Observable::NotifyObservers(TChangeCode code, IObserver *source)
     }
 }
 
-void Observable::endCall(Call *outer)
+void Observable::endCall(Call &call)
 {
-    m_running = outer;
-    if (outer != nullptr)
+    m_running = call.outer;
+    if (m_running != nullptr)
         return;
     if (m_count != m_observers.size())
         m_observers.erase(std::remove(m_observers.begin(), m_observers.end(), nullptr),
                           m_observers.end());
-    for (IObserver *observer : m_toFront)
+    for (IObserver *observer : call.toFront)
         moveToFront(observer);
-    m_toFront.clear();
+    NotificationEnded();
 }

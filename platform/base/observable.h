@@ -44,13 +44,18 @@ public:
     /// destroyed by an observer, which ends the call.
     virtual void NotifyObservers(TChangeCode code, IObserver *source);
 
+protected:
+    /// True while a call of NotifyObservers runs.
+    bool IsNotifying() const { return m_running != nullptr; }
+    /// Called when the outermost NotifyObservers ends, unless this object was destroyed by then.
+    virtual void NotificationEnded() {}
+
 private:
     struct Call;
-    void endCall(Call *outer);
+    void endCall(Call &call);
     void moveToFront(IObserver *observer);
 
     std::vector<IObserver *> m_observers; // null: removed while a call was running
-    std::vector<IObserver *> m_toFront;   // wishes that wait for the end of the running call
     std::size_t m_count = 0;              // entries that are not null
     Call *m_running = nullptr;            // innermost running call
 };

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "valueclasses/icommand.h"
+
+namespace values {
+
+/// A functor over commands: which one is meant.
+class SPECTREE_EXPORT CommandPredicate {
+public:
+    virtual ~CommandPredicate() = default;
+    virtual bool operator()(const KELM::ICommand &command) const = 0;
+};
+
+/// Collects the commands that restore old states, as far as a value calls it. Application thread.
+class SPECTREE_EXPORT IUndoManager {
+public:
+    virtual ~IUndoManager() = default;
+    /// Owns \a command from the call on; false when it was dropped.
+    virtual bool AddUndoCommand(KELM::ICommand *command) = 0;
+    /// Replaces the command of the open stack for which \a predicate holds. Owns \a command only
+    /// when the answer is true.
+    virtual bool ReplaceUndoCommand_If(CommandPredicate *predicate, KELM::ICommand *command) = 0;
+    /// Forgets everything.
+    virtual void ResetUndoStacks() = 0;
+};
+
+} // namespace values

@@ -1,0 +1,241 @@
+#pragma once
+
+#include "platform/base/instancecounter.h"
+#include "platform/base/objecttimer.h"
+#include "valueclasses/command.h"
+#include "valueclasses/isupporttransaction.h"
+#include "valueclasses/ivalue.h"
+#include "valueclasses/valuetransaction.h"
+
+#include <atomic>
+#include <functional>
+
+namespace values {
+
+class InternalProtocolCommandListOptimizer;
+class IUndoManager;
+class NotifyDistinction;
+class ValueDescriptor;
+
+/// The base of every value: name, state, descriptor, observers, transactions, recorded commands and
+/// undo.
+///
+/// Every setter goes one road: an equal value ends it; the undo manager gets a command that
+/// restores the old state; the new state is stored; the change is recorded; observers are notified.
+/// While they are, the new state and the recorded commands are readable; the outermost notification
+/// ends with both command lists emptied. During a transaction nobody is notified, so that its
+/// commands reach the observers as one string at its end.
+///
+/// Threads:   a value lives on the application thread and holds no lock. A setter may be called on
+///            another thread once there is an application object: the store happens there, by one
+///            writer at a time, and the notification is posted. Where recording or undo is on, the
+///            whole change is posted instead. Destroying or notifying a value made before the
+///            application object on a wrong thread ends the process.
+/// Ownership: commands belong to the list that holds them; observers, tree item, descriptor and
+/// undo
+///            manager are not owned.
+/// Errors:    KRException, with nothing changed.
+class SPECTREE_EXPORT ValueBase : public IValue,
+                                  public IDeleteSubject,
+                                  public Kelm::IHasTimerCallback,
+                                  public IOptimizeTrigger,
+                                  public virtual Observable,
+                                  public virtual ISupportTransaction,
+                                  private Kelm::Counted<ValueBase> {
+public:
+    static constexpr const char *kInstanceName = "ValueBase";
+
+    class CommandOnValue; // the commands stand in valuecommands.h
+    class CommandHasChanged;
+    class CommandSetState;
+    class CommandSetValueDescriptor;
+    class CommandStartTransaction;
+    class CommandEndTransaction;
+    class CommandUpdateTimerTime;
+    class CommandSetTranslationNamespace;
+    class FindCommandEndTransactionPredicate;
+
+    ValueBase();
+    /// \throws KRException unless \a name is made of ASCII letters, digits and "_.- :".
+    explicit ValueBase(QString name, TValueState state = VS_NORMAL);
+    /// Copies name, state, type, properties, auto-delete, descriptor, timer period, undo manager;
+    /// nothing else.
+    ValueBase(const ValueBase &other);
+    ValueBase &operator=(const ValueBase &other);
+    ~ValueBase() override;
+
+    // Name, place and description
+    const QString &GetName() const { return m_name; }
+    /// \throws KRException for an empty name. Neither undo nor recording.
+    void SetName(const QString &name, IObserver *source);
+    /// The path of the item that holds this value, or nothing.
+    QString GetPathName() const;
+    ValueItem *GetValueItem() const;
+    /// Remembers the path for messages about a deleted value, and the type for Compare.
+    void SetLastCompletePathName();
+    void SetDeleteObserver(ITreeItem *item) override { m_deleteObserver = item; }
+    ITreeItem *GetDeleteObserver() const override { return m_deleteObserver; }
+    const ValueDescriptor *GetValueDescriptor() const { return m_descriptor; }
+    void SetValueDescriptor(const ValueDescriptor *descriptor) { m_descriptor = descriptor; }
+    /// "VdStr" at first.
+    const std::string &GetTranslationNamespace() const;
+    void SetTranslationNamespace(const char *name, IObserver *source);
+    unsigned int GetProperties() const { return m_properties; }
+    bool HasPropertyStore() const { return (m_properties & PropertyStore) != 0; }
+    bool HasPropertyExport() const { return (m_properties & PropertyExport) != 0; }
+    void SetFlagStore(bool on) { setProperty(PropertyStore, on); }
+    void SetFlagExport(bool on) { setProperty(PropertyExport, on); }
+
+    // Value and state
+    void SetStringValue(QString text, IObserver *source) override;
+    QString GetStringValue() const override;
+    TValueState GetState() const override { return m_state; }
+    void SetState(TValueState state, IObserver *source) override;
+    bool Compare(const ValueBase *other) const override;
+    bool operator==(const ValueBase &other) const { return ValueBase::Compare(&other); }
+
+    // Observers
+    /// Records the change, ends a suppression of notifications and notifies.
+    void HasChanged(TChangeCode code, IObserver *source) override;
+    void NotifyObservers(TChangeCode code, IObserver *source) override;
+    /// Notifies on this thread. Public for the hand-over only.
+    void NotifyObserversDistinct(TChangeCode code, IObserver *source);
+    void ResumeNotifyObservers() { setFlag(NotifyEnabled, true); }
+    /// Either deletes an auto-delete value that has no observer left.
+    void DeleteObserver(IObserver *observer) override;
+    void DeleteObservers() override;
+    bool IsAutoDelete() const { return hasFlag(AutoDelete); }
+    void SetAutoDelete(bool on) { setFlag(AutoDelete, on); }
+    /// Called once, at the end of the destruction, after the observers.
+    void BindNotifyDeleteFn(std::function<void(ValueBase *)> function);
+
+    // Transactions
+    void StartTransaction(IObserver *source) override;
+    void EndTransaction(TChangeCode code, IObserver *source) override;
+    /// Whether notifications are held back; false after HasChanged inside a transaction.
+    bool IsTransactionActive() const override { return !hasFlag(NotifyEnabled); }
+    ValueTransaction CreateTransaction(TChangeCode code, const IObserver *source);
+
+    // Undo and recording. On and Off are counted.
+    IUndoManager *GetUndoManager() const { return m_undoManager.load(std::memory_order_relaxed); }
+    void SetUndoManager(IUndoManager *manager) { m_undoManager.store(manager); }
+    void CommandRecordingOn();
+    void CommandRecordingOff();
+    bool IsCommandRecording() const { return hasFlag(Recording); }
+    void SuspendCommandRecording(bool suspend);
+    void CommandRecordingOnForTransmission();
+    void CommandRecordingOffForTransmission();
+    bool IsCommandRecordingForTransmission() const { return hasFlag(RecordingForTransmission); }
+    void SuspendCommandRecordingForTransmission(bool suspend);
+    const CommandList &GetCommandList() const;
+    const CommandList &GetCommandListForTransmission() const;
+    void ClearCommandListForTransmission();
+
+    // Command strings; docs/commands.md tells their grammar.
+    std::string GetCommandStringForTransmission(unsigned int mode) override;
+    virtual std::string GetCommandStringForRecording(unsigned int mode);
+    /// Appends the commands of the string to \a out, executing none. \throws KRException for a
+    /// malformed string, with \a out as it was.
+    void SetCommandString(const std::string &commands,
+                          std::vector<std::unique_ptr<KELM::ICommand>> &out, IObserver *source,
+                          int mode) override;
+    /// Parses all, then executes in order: a malformed string changes nothing.
+    void SetCommandString(const std::string &commands, IObserver *source, int mode) override;
+    /// Commands that rebuild the whole value.
+    std::string GetObjectStateStringForTransmission(unsigned int mode);
+    std::string GetObjectStateStringForRecording();
+    static std::string CreateCommandString(const CommandList &commands, unsigned int mode);
+
+    // Optimizers of connections
+    /// Null here: a plain value needs none.
+    virtual std::shared_ptr<CommandListOptimizer>
+    CreateCommandListOptimizer(bool server, InternalProtocolCommandListOptimizer *protocol);
+    virtual void OptimizeCommandList(std::shared_ptr<CommandListOptimizer> &optimizer);
+    /// Appends clones of the commands recorded for transmission.
+    virtual void OptimizeCommandList(CommandList &commands);
+    void UpdateOptimizersCommandList(std::shared_ptr<CommandListOptimizer> &optimizer) override;
+    void PreWorkOptimizersCommandList(std::shared_ptr<CommandListOptimizer> &optimizer) override;
+    /// Empty without an optimizer.
+    std::string GetOptimizedCommandString(std::shared_ptr<CommandListOptimizer> optimizer,
+                                          bool clear, unsigned int mode);
+    void ClearOptimizedCommandList(std::shared_ptr<CommandListOptimizer> optimizer);
+
+    // Update timer
+    /// Period in ms, 0 ends the timer; returns the timer's id, or 0. Application thread.
+    virtual int SetUpdateTimerTime(unsigned int milliseconds);
+    unsigned int GetUpdateTimerTime() const;
+    /// These three throw KRException unless a class overrides them.
+    void OnTimer(int id) override;
+    virtual void OverrideTimer(unsigned int milliseconds);
+    virtual void KillOverrideTimer(int id);
+
+protected:
+    virtual void AddObjectStateStringForTransmission(std::string &out, unsigned int mode);
+    virtual void AddObjectStateStringForRecording(std::string &out);
+    /// Both own \a command from the call on.
+    virtual void AddCommand(Command *command);
+    virtual void AddCommandForTransmission(Command *command);
+    /// The command that stands at \a *pos, owned by the caller, its bytes consumed; null when it
+    /// was applied at once. Hands every id that it doesn't know to its base.
+    virtual Command *CreateNextCommand(int id, const char **pos, IObserver *source, int mode);
+    /// The id at the position, -1 for an empty field. \throws KRException for other than digits.
+    static int ExtractCommandId(const char *position);
+
+    /// True when a change must be recorded.
+    bool Record() const { return hasFlag(Recording | RecordingForTransmission); }
+    /// Gives \a command to the lists that record; owns it from the call on.
+    void RecordCommand(Command *command);
+    static TChangeCode GetUndoChangeCode(TChangeCode code);
+    /// Hold notifications back and let them go, without counter, command or undo.
+    void StartTrImpl() { setFlag(NotifyEnabled, false); }
+    void EndTrImpl(TChangeCode code, IObserver *source);
+
+    /// True when a setter on this thread may neither record nor undo, but has to.
+    bool IsChangeForeign() const
+    {
+        return (Record() || GetUndoManager() != nullptr) && isForeignThread();
+    }
+    /// Traces and runs \a change on the application thread; dropped when this value dies first.
+    void PostChange(std::function<void()> change);
+
+private:
+    struct Rare; // what few values have, made on first use
+    enum Flag : unsigned char {
+        NotifyEnabled = 1,
+        Recording = 2,
+        RecordingForTransmission = 4,
+        AutoDelete = 8,
+        HandsOver = 16, // an application object existed at construction
+    };
+    enum Property : unsigned int { PropertyStore = 1, PropertyExport = 2 };
+
+    // Another thread may ask for a flag while the application thread sets one.
+    bool hasFlag(unsigned flags) const
+    {
+        return (m_flags.load(std::memory_order_relaxed) & flags) != 0;
+    }
+    void setFlag(Flag flag, bool on);
+    void setProperty(Property property, bool on);
+    bool isForeignThread() const;
+    Rare &rare();
+    void updateRecordingFlags();
+    void releaseCommands();
+    int startTimer(unsigned int milliseconds);
+    NotifyDistinction &handOver();
+    [[noreturn]] void failWrongThread(TChangeCode code) const;
+    void NotificationEnded() override;
+
+    QString m_name;
+    const ValueDescriptor *m_descriptor = nullptr;
+    ITreeItem *m_deleteObserver = nullptr;
+    std::atomic<IUndoManager *> m_undoManager{nullptr};
+    std::atomic<NotifyDistinction *> m_handOver{nullptr}; // owned, made by the first that needs it
+    std::unique_ptr<Rare> m_rare;
+    TValueState m_state = VS_NORMAL;
+    ValueType m_type = VTYPE_Unknown;
+    int m_transactionCount = 0;
+    unsigned int m_properties = 0;
+    std::atomic<unsigned char> m_flags;
+};
+
+} // namespace values
