@@ -100,6 +100,8 @@ public:
     void SetThresholdActive(bool active) { m_levels.SetThresholdActive(active); }
     void SetThresholdActiveForLevel(bool active) { m_levels.SetThresholdActiveForLevel(active); }
     double GetThreshold(int pixel) const { return m_levels.GetThreshold(pixel); }
+    /// One value a pixel; a pixel beyond it has what GetThreshold gives there.
+    const std::vector<double> &GetThresholdLine() const { return m_levels.GetThresholdLine(); }
     double GetRefLine(int pixel) const { return m_levels.GetRefLine(pixel); }
     bool filteredByThreshold(double value, int pixel, bool useReference) const
     {
