@@ -1,0 +1,291 @@
+#include "scanbuffer/scanbuffer.h"
+#include "scanbuffer/scanbuffersizemanager.h"
+#include "scanbuffer/scanbuffersizemanagerclient.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QThread>
+#include <gmock/gmock.h>
+
+#include <thread>
+
+namespace {
+
+using testing::ElementsAre;
+
+/// A ring that gives what it is asked for, within its limits.
+struct FakeBuffer final : sbs::BufferSizeManagementInterface {
+    std::uint32_t getMinimumNumberOfLines() const override { return 3; }
+    std::uint32_t getMaximumNumberOfLines() const override { return most; }
+    std::uint64_t getSizeInBytes() const override { return lines; }
+    void setMaximumSizeInBytes(std::uint64_t) override {}
+    std::uint32_t setNumberOfLines(unsigned int wanted) override
+    {
+        asked.push_back(wanted);
+        return lines = std::clamp(wanted, 3u, most);
+    }
+    std::uint32_t getNumberOfLines() const override { return lines; }
+
+    std::uint32_t lines = 20, most = 500'000;
+    std::vector<unsigned int> asked;
+};
+
+class SizeManager : public testing::Test {
+public:
+    SizeManager()
+    {
+        QObject::connect(manager, &sbs::ScanBufferSizeManager::signalBufferLimitReached,
+                         [this] { ++limitReached; });
+    }
+    ~SizeManager() override { manager->dispose(); }
+    /// One tick in which scans ended.
+    void tick()
+    {
+        manager->endOfScanReceived();
+        manager->slotTimerEvent();
+    }
+    /// A tick in which \a reader advances by \a step lines.
+    void tickWithStep(const QUuid &reader, std::uint64_t step)
+    {
+        manager->slotLastAccessedID(reader, position[reader] += step);
+        tick();
+    }
+    /// What a tick asks the buffer for; 0 when it leaves it alone.
+    unsigned int askedBy(const std::function<void()> &work)
+    {
+        buffer.asked.clear();
+        work();
+        return buffer.asked.empty() ? 0 : buffer.asked.back();
+    }
+
+    FakeBuffer buffer;
+    sbs::ScanBufferSizeManager *manager = new sbs::ScanBufferSizeManager(buffer);
+    std::map<QUuid, std::uint64_t> position;
+    int limitReached = 0;
+    const QUuid a = QUuid::createUuid(), b = QUuid::createUuid();
+};
+
+TEST_F(SizeManager, AsksForWhatTheReadersNeed)
+{
+    struct Case {
+        const char *name;
+        std::uint32_t lines;
+        std::uint64_t step; // one line fewer than needed
+        unsigned int asked;
+    };
+    constexpr Case cases[] = {
+        {"far too few", 20, 89, 100},
+        {"one too few", 20, 20, 23},
+        {"just enough", 20, 19, 0},
+        {"the margin is not used up", 20, 17, 0}, // needs 18, margin 2
+        {"more than the margin", 20, 16, 18},     // t = 18, u = 17, 1 + 17
+        {"a large ring, inside the margin", 1000, 899, 0},
+        {"a large ring, a hundredth off", 1000, 898, 990}, // t = 900, u = 891, 99 + 891
+        {"three lines are two and a margin", 3, 1, 0},
+        {"an absurd step", 20, ~0ull / 2, 2386092941u}, // asked for, never overflowing
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        const QUuid reader = QUuid::createUuid();
+        buffer.lines = c.lines;
+        manager->slotLastAccessedID(reader, 0);
+        // Meets the reader; what this asks of the ring is undone.
+        tick();
+        buffer.lines = c.lines;
+        EXPECT_EQ(askedBy([&] {
+                      manager->slotLastAccessedID(reader, c.step);
+                      tick();
+                  }),
+                  c.asked);
+        manager->slotRemoveAdapter(reader);
+    }
+}
+
+TEST_F(SizeManager, GrownRingKeepsItsMargin)
+{
+    tickWithStep(a, 0);
+    buffer.lines = 20;
+    EXPECT_EQ(askedBy([&] { tickWithStep(a, 89); }), 100u);
+    EXPECT_EQ(askedBy([&] { tickWithStep(a, 88); }), 0u) << "89 lines and the margin of 11";
+    EXPECT_EQ(askedBy([&] { tickWithStep(a, 87); }), 97u);
+}
+
+TEST_F(SizeManager, WithoutReadersTheRingShrinksToItsMinimum)
+{
+    buffer.lines = 300;
+    std::uint32_t before = buffer.lines;
+    for (int i = 0; i < 2000 && buffer.lines > 3; ++i, before = buffer.lines) {
+        tick();
+        ASSERT_LT(buffer.lines, before);
+        ASSERT_GE(buffer.lines + before / 20 + 2, before) << "a small step at a time";
+    }
+    EXPECT_EQ(buffer.lines, 3u);
+    EXPECT_EQ(limitReached, 0);
+}
+
+TEST_F(SizeManager, TicksWithoutScansChangeNothing)
+{
+    manager->slotTimerEvent();
+    EXPECT_EQ(askedBy([&] { manager->slotTimerEvent(); }), 0u);
+    tickWithStep(a, 0);
+    buffer.lines = 20;
+    tickWithStep(a, 89);
+    for (int i = 0; i < 10; ++i)
+        manager->slotTimerEvent();
+    EXPECT_EQ(buffer.lines, 100u) << "the reader's step has not aged";
+}
+
+TEST_F(SizeManager, CountsOnlyReadersThatAreThereAndActive)
+{
+    buffer.lines = 20;
+    EXPECT_EQ(askedBy([&] {
+                  manager->slotLastAccessedID(a, 0);
+                  manager->slotLastAccessedID(a, 89);
+                  tick();
+              }),
+              18u)
+        << "the first tick of a reader counts for nothing";
+    position[a] = 89;
+    buffer.lines = 20;
+    EXPECT_EQ(askedBy([&] {
+                  manager->slotLastAccessedID(a, position[a] += 40);
+                  manager->slotLastAccessedID(a, position[a] += 49);
+                  manager->slotLastAccessedID(a, position[a] += 10);
+                  tick();
+              }),
+              54u + 1)
+        << "the largest step within the tick: 50 lines and a ninth";
+    buffer.lines = 20;
+    EXPECT_EQ(askedBy([&] { tick(); }), 55u) << "a tick ago is recent enough";
+    buffer.lines = 20;
+    EXPECT_EQ(askedBy([&] { tick(); }), 18u) << "two ticks ago is not";
+
+    tickWithStep(b, 0);
+    buffer.lines = 20;
+    EXPECT_EQ(askedBy([&] {
+                  manager->slotResetHistory(a); // of no consequence: b is the slowest
+                  manager->slotLastAccessedID(a, position[a] += 70);
+                  tickWithStep(b, 29);
+              }),
+              33u);
+    buffer.lines = 20;
+    EXPECT_EQ(askedBy([&] {
+                  manager->resetFirstAccess();
+                  tickWithStep(b, 89);
+              }),
+              18u);
+    manager->slotResetHistory(QUuid::createUuid());
+    manager->slotRemoveAdapter(QUuid::createUuid());
+    tickWithStep(b, 89);
+    manager->slotRemoveAdapter(b);
+    manager->slotRemoveAdapter(a);
+    buffer.lines = 20;
+    EXPECT_EQ(askedBy([&] { tick(); }), 18u);
+}
+
+TEST_F(SizeManager, AReaderThatFallsBackHasNotAdvanced)
+{
+    tickWithStep(a, 1000);
+    tickWithStep(a, 5);
+    buffer.lines = 20;
+    EXPECT_EQ(askedBy([&] {
+                  manager->slotLastAccessedID(a, 3);
+                  tick();
+              }),
+              18u);
+}
+
+/// A reader that counts how often it was asked to slow down.
+struct Client : sbs::ScanBufferSizeManagerClient {
+    using ScanBufferSizeManagerClient::ScanBufferSizeManagerClient;
+    void registerAdapter(std::weak_ptr<sbs::Adapter>) override {}
+    void reduceReadingSpeed() override { ++reductions; }
+    std::atomic<int> reductions{0};
+};
+
+TEST_F(SizeManager, TellsEveryClientWhenTheLimitIsReached)
+{
+    buffer.most = 50;
+    Client first(manager), second(manager);
+    first.signal_LastAccessedID(0, false);
+    tick();
+    first.signal_LastAccessedID(89, false);
+    EXPECT_EQ(first.reductions, 0);
+    tick();
+    EXPECT_EQ(limitReached, 1);
+    EXPECT_EQ(first.reductions, 1);
+    EXPECT_EQ(second.reductions, 1);
+    EXPECT_EQ(buffer.lines, 50u);
+
+    first.signal_LastAccessedID(178, true);
+    tick();
+    EXPECT_EQ(limitReached, 1) << "reset: this tick does not count";
+}
+
+TEST_F(SizeManager, AClientThatIsGoneNoLongerCounts)
+{
+    {
+        Client client(manager);
+        client.signal_LastAccessedID(0, false);
+        tick();
+        client.signal_LastAccessedID(89, false);
+    }
+    buffer.lines = 20;
+    EXPECT_EQ(askedBy([&] { tick(); }), 18u);
+}
+
+TEST(SizeManagerThreads, ClientsAndBuffersComeAndGoOnTheirOwnThreads)
+{
+    using Buffer = sbs::ScanBuffer<short, values::levelHandler>;
+    std::atomic<bool> done{false};
+    std::thread feeder([&] {
+        for (int round = 0; round < 20; ++round) {
+            const auto buffer = Buffer::create();
+            values::ChannelRangeDefinition grid;
+            grid.AddRangeDefinition(0, 64u, 1e6, 1e3, QString());
+            buffer->setChannelRangeDefinition(grid);
+            std::thread reader([buffer] {
+                for (std::uint64_t id = 0; id < 200; id += 10)
+                    Client(buffer->getSizeManager()).signal_LastAccessedID(id, id % 3 == 0);
+            });
+            for (KRTimeStamp time = 1; time < 200; ++time) {
+                buffer->addTimeStamp(time);
+                buffer->endOfScan();
+                if (time % 50 == 0)
+                    Kelm::post(buffer->getSizeManager(),
+                               [manager = buffer->getSizeManager()] { manager->slotTimerEvent(); });
+            }
+            reader.join();
+        }
+        done = true;
+    });
+    while (!done)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+    feeder.join();
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+TEST(SizeManagerThreads, TicksComeOnTheApplicationThread)
+{
+    using Buffer = sbs::ScanBuffer<short, values::levelHandler>;
+    std::shared_ptr<Buffer> buffer;
+    std::thread([&] { buffer = Buffer::create(); }).join();
+    EXPECT_EQ(buffer->getSizeManager()->thread(), QCoreApplication::instance()->thread());
+    values::ChannelRangeDefinition grid;
+    grid.AddRangeDefinition(0, 8u, 1e6, 1e3, QString());
+    buffer->setChannelRangeDefinition(grid);
+    ASSERT_EQ(buffer->setNumberOfLines(40), 40u);
+    buffer->addTimeStamp(1);
+    buffer->endOfScan();
+    QElapsedTimer clock;
+    clock.start();
+    while (buffer->getNumberOfLines() == 40 && clock.elapsed() < 10'000)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    EXPECT_LT(buffer->getNumberOfLines(), 40u);
+
+    buffer->setSizeManagerActive(false);
+    EXPECT_FALSE(buffer->getSizeManager()->isActive());
+}
+
+} // namespace
