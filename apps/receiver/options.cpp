@@ -2,6 +2,7 @@
 
 #include "apps/receiver/failure.h"
 #include "apps/receiver/simulation.h"
+#include "platform/startup/cfgcenter.h"
 
 #include <QCommandLineParser>
 #include <QRegularExpression>
@@ -88,6 +89,8 @@ void declare(QCommandLineParser &parser)
     add("server-key", QStringLiteral("File with the server's secret CURVE key."), "file");
     add("client-keys",
         QStringLiteral("File with the public CURVE keys of the clients that are let in."), "file");
+    add("make-key",
+        QStringLiteral("Print a new key pair, in the form of a --server-key file, and end."));
     add("allow-remote", QStringLiteral("Listen on other than loopback addresses without keys."));
     parser.addHelpOption();
     parser.addVersionOption();
@@ -236,7 +239,11 @@ void readServer(const QCommandLineParser &parser, Options &options)
                         .arg(options.listen));
     if (options.serverKeyFile.isEmpty() != options.clientKeysFile.isEmpty())
         throw usage(QStringLiteral("--server-key and --client-keys go together."));
-    const bool safe = !options.serverKeyFile.isEmpty() || isLoopback(options.listen);
+    const bool configuredKey = !CfgCenter::GetAppCfg()
+                                    .GetString(QStringLiteral("ScanBufferServerSecretKey"), {})
+                                    .isEmpty();
+    const bool safe =
+        configuredKey || !options.serverKeyFile.isEmpty() || isLoopback(options.listen);
     if (!safe && !parser.isSet(QStringLiteral("allow-remote")))
         throw usage(QStringLiteral("--listen %1 would let other computers in without a key: give "
                                    "--server-key and --client-keys, or --allow-remote if the "
@@ -281,6 +288,8 @@ Options parseOptions(const QStringList &arguments)
         options.action = Options::Action::showHelp;
     else if (parser.isSet(QStringLiteral("version")))
         options.action = Options::Action::showVersion;
+    else if (parser.isSet(QStringLiteral("make-key")))
+        options.action = Options::Action::makeKey;
     if (options.action != Options::Action::run)
         return options;
     if (!parser.positionalArguments().isEmpty())

@@ -31,7 +31,7 @@ enum class InputKind { simulation, iq, sweep };
 
 /// What the command line asks for.
 struct Options {
-    enum class Action { run, showHelp, showVersion };
+    enum class Action { run, showHelp, showVersion, makeKey };
     Action action = Action::run;
 
     InputKind inputKind = InputKind::simulation;
