@@ -172,6 +172,6 @@ private:
     X(MDataVector<int>)                                                                            \
     X(MDataVector<double>)
 
-#define SPECTREE_DECLARE_MESSAGE(...) extern template class __VA_ARGS__;
+#define SPECTREE_DECLARE_MESSAGE(...) extern template class SPECTREE_EXPORT __VA_ARGS__;
 SPECTREE_FOR_EACH_SCALAR_MESSAGE(SPECTREE_DECLARE_MESSAGE)
 #undef SPECTREE_DECLARE_MESSAGE

@@ -37,7 +37,8 @@ private:
     bool m_visible = true;
 };
 
-#define SPECTREE_DECLARE(Y, Handler) extern template class ScanBufferAdapter_ScanLine<Y, Handler>;
+#define SPECTREE_DECLARE(Y, Handler)                                                               \
+    extern template class SPECTREE_EXPORT ScanBufferAdapter_ScanLine<Y, Handler>;
 SPECTREE_FOR_EACH_SAMPLE_PAIR(SPECTREE_DECLARE)
 #undef SPECTREE_DECLARE
 

@@ -18,7 +18,8 @@ public:
     void process() override;
 };
 
-#define SPECTREE_DECLARE(Y, Handler) extern template class ScanBufferAdapter_Statistics<Y, Handler>;
+#define SPECTREE_DECLARE(Y, Handler)                                                               \
+    extern template class SPECTREE_EXPORT ScanBufferAdapter_Statistics<Y, Handler>;
 SPECTREE_FOR_EACH_SAMPLE_PAIR(SPECTREE_DECLARE)
 #undef SPECTREE_DECLARE
 

@@ -39,7 +39,8 @@ private:
     bool m_visible = true;
 };
 
-#define SPECTREE_DECLARE(Y, Handler) extern template class ScanBufferAdapter_Waterfall<Y, Handler>;
+#define SPECTREE_DECLARE(Y, Handler)                                                               \
+    extern template class SPECTREE_EXPORT ScanBufferAdapter_Waterfall<Y, Handler>;
 SPECTREE_FOR_EACH_SAMPLE_PAIR(SPECTREE_DECLARE)
 #undef SPECTREE_DECLARE
 

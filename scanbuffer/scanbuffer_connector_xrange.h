@@ -23,7 +23,8 @@ private:
     int m_sentId = 0, m_acknowledgedId = 0;
 };
 
-#define SPECTREE_DECLARE(Y, Handler) extern template class ScanBufferAdapter_XRange<Y, Handler>;
+#define SPECTREE_DECLARE(Y, Handler)                                                               \
+    extern template class SPECTREE_EXPORT ScanBufferAdapter_XRange<Y, Handler>;
 SPECTREE_FOR_EACH_SAMPLE_PAIR(SPECTREE_DECLARE)
 #undef SPECTREE_DECLARE
 

@@ -25,7 +25,8 @@ private:
     short m_dimension = 0;
 };
 
-#define SPECTREE_DECLARE(Y, Handler) extern template class ScanBufferAdapter_YRange<Y, Handler>;
+#define SPECTREE_DECLARE(Y, Handler)                                                               \
+    extern template class SPECTREE_EXPORT ScanBufferAdapter_YRange<Y, Handler>;
 SPECTREE_FOR_EACH_SAMPLE_PAIR(SPECTREE_DECLARE)
 #undef SPECTREE_DECLARE
 

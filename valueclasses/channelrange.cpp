@@ -11,9 +11,10 @@ namespace {
 
 constexpr std::uint64_t kMaxCount = std::numeric_limits<unsigned int>::max();
 
+// One id is left out, so that the channels of all ranges together can be counted.
 unsigned int countThatFits(unsigned int firstChannelId, std::uint64_t count)
 {
-    return static_cast<unsigned int>(std::min({count, kMaxCount + 1 - firstChannelId, kMaxCount}));
+    return static_cast<unsigned int>(std::min(count, kMaxCount - firstChannelId));
 }
 
 std::uint64_t countOfSpan(double start, double step, double stop)

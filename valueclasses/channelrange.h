@@ -9,7 +9,7 @@ namespace values {
 /// A run of channels with constant spacing. Channel ids are the producer's numbers.
 ///
 /// A plain value. Frequencies have whatever unit the caller uses throughout. A range without
-/// channels holds no id, and a count is cut so that the last id fits 32 bits.
+/// channels holds no id, and a count is cut so that all ids stay below 0xFFFFFFFF.
 class SPECTREE_EXPORT ChannelRange {
 public:
     ChannelRange() = default;

@@ -50,8 +50,9 @@ public:
     /// Samples for \a count channels by rising id; they may run over neighbouring ranges.
     /// \throws KRException "StartChannel invalid", ChannelNotSetExc, InvalidChannelIdException
     void SetChannelValues(Kelm::Long firstChannel, unsigned int count, const Y *values);
-    /// Clears channels; -1 and -1 is ClearData, a negative count means all channels, a negative
-    /// first one the smallest id. Does nothing without a grid.
+    /// Clears channels; -1 and -1 is ClearData. A negative first channel stands for the smallest
+    /// id, a negative count for all channels from there on. Does nothing without a grid.
+    /// \throws InvalidChannelIdException
     void ClearChannelRange(Kelm::Long firstChannel, unsigned int count);
     void EndOfScan() override;
     void EndOfScan(const KRTimeStamp &time) override;
@@ -78,7 +79,7 @@ public:
     void setKeepNoOverwriteWFLines(bool keep);
     void setKeepScanDataAfterEndOfScan(bool keep);
 
-    /// Ends the data source; the scan buffer stays with whoever shares it.
+    /// Ends the data source; the scan buffer stays.
     void aboutToTerminate() override;
 
 protected:
@@ -98,9 +99,10 @@ private:
     using Piece = SpectralDataPiece<Y>;
 
     std::span<const Piece> split(unsigned int firstChannel, unsigned int count, const Y *values);
-    void recordChannelValues(Kelm::Long firstChannel, unsigned int count, const Y *values);
+    std::span<const Piece> splitFrom(unsigned int firstChannel);
+    void store(std::span<const Piece> pieces);
     void passOn(std::span<const Piece> pieces);
-    void clearChannels(Kelm::Long firstChannel, unsigned int count);
+    double frequencyOf(std::uint32_t index) const;
     void endScan(KRTimeStamp time);
     bool storesInBufferOnly() const { return m_buffer != nullptr && !m_coexist; }
     void addGridString(std::string &out, unsigned int mode);

@@ -17,14 +17,16 @@ namespace values {
 class ChannelRangeDefinition;
 
 /// The producer's side of a scan buffer and of the data source that serves it, as a fast value map
-/// needs them. Destroying it ends the service; the buffer itself is shared.
+/// needs them. Destroying it ends the service; the buffer is shared.
 /// Threads: one thread feeds.
 template <typename Y, typename YHandler>
 class IRealTimeBuffer {
 public:
     virtual ~IRealTimeBuffer() = default;
     virtual std::shared_ptr<sbs::ScanBuffer<Y, YHandler>> GetScanBuffer() const = 0;
-    /// With it a far client finds the data source.
+    /// Ends the data source; the buffer can still be fed and read.
+    virtual void endService() = 0;
+    /// With it a far client finds the data source; empty when the service has ended.
     virtual std::string GetName() const = 0;
     virtual void setChannelRangeDefinition(const ChannelRangeDefinition &definition) = 0;
     virtual void setMaximumSizeInBytes(std::uint64_t bytes) = 0;

@@ -216,6 +216,7 @@ private:
         return (m_flags.load(std::memory_order_relaxed) & flags) != 0;
     }
     void setFlag(Flag flag, bool on);
+    static unsigned char initialFlags();
     void setProperty(Property property, bool on);
     bool isForeignThread() const;
     Rare &rare();
@@ -224,6 +225,7 @@ private:
     int startTimer(unsigned int milliseconds);
     NotifyDistinction &handOver();
     [[noreturn]] void failWrongThread(TChangeCode code) const;
+    void closeUndoBracket(TChangeCode code);
     void NotificationEnded() override;
 
     QString m_name;

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "scanbuffer/mdatatypes.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+/// One message of each carrier, built from fields, with its payload written out by hand and the
+/// types that carry it.
+struct GoldenMessage {
+    std::string name;
+    std::shared_ptr<MData> message;
+    std::string payload;
+    std::vector<int> types;
+
+    /// The whole image under one of the types.
+    std::string image(int type) const;
+};
+
+/// The bytes that hexadecimal digits name; blanks and line ends are skipped.
+std::string fromHex(const std::string &digits);
+
+const std::vector<GoldenMessage> &goldenMessages();

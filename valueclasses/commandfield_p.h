@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QString>
+
+#include <string>
+#include <string_view>
+
+namespace values {
+
+/// The bytes up to the next ";", zero byte or end of the string, found in place: a copy of the rest
+/// would make the parse of a long string quadratic.
+std::string_view commandField(const char *position);
+/// Steps over \a field and its ";". \throws KRException when there is none.
+void skipCommandField(const char **pos, std::string_view field, const char *className,
+                      const char *functionName);
+/// The number that \a field spells; one too large for an int is the largest int.
+/// \throws KRException \a message with the field for %1, unless all are digits.
+int parseDigits(std::string_view field, const char *message, const char *className,
+                const char *functionName);
+/// Appends the decimal digits of \a number.
+void appendDecimal(std::string &out, int number);
+
+} // namespace values

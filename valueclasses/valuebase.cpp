@@ -1,0 +1,269 @@
+#include "valueclasses/valuebase.h"
+
+#include "platform/base/errorhandler.h"
+#include "platform/base/kelmos.h"
+#include "platform/base/krexception.h"
+#include "platform/base/text.h"
+#include "valueclasses/itreeitem.h"
+#include "valueclasses/iundomanager.h"
+#include "valueclasses/ivaluedescriptormap.h"
+#include "valueclasses/notifydistinction.h"
+#include "valueclasses/valuebase_p.h"
+#include "valueclasses/valuecommands.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <climits>
+#include <utility>
+
+namespace values {
+
+namespace {
+
+const std::string kDefaultNamespace = "VdStr";
+
+bool checkValueName(const QString &name)
+{
+    const auto isAllowed = [](QChar c) {
+        return c.isLetterOrNumber() || QStringLiteral("_.- :").contains(c);
+    };
+    return !name.isEmpty() && Kelm::isAsciiString(name) &&
+           std::all_of(name.begin(), name.end(), isAllowed);
+}
+
+} // namespace
+
+unsigned char ValueBase::initialFlags()
+{
+    return NotifyEnabled | (NotifyDistinction::CanCreateInstance() ? HandsOver : 0);
+}
+
+ValueBase::ValueBase() : m_flags(initialFlags()) {}
+
+ValueBase::ValueBase(QString name, TValueState state) : ValueBase()
+{
+    if (!checkValueName(name))
+        throw KRException("Argument Exception: invalid value object name", __FILE__, "ValueBase",
+                          "Constructor", __LINE__);
+    m_name = std::move(name);
+    m_state = state;
+}
+
+ValueBase::ValueBase(const ValueBase &other)
+    : Observable(other), ISupportTransaction(other), IValue(other),
+      IDeleteSubject(other), Kelm::IHasTimerCallback(other),
+      IOptimizeTrigger(other), Kelm::Counted<ValueBase>(other), m_flags(initialFlags())
+{
+    ValueBase::operator=(other);
+}
+
+ValueBase &ValueBase::operator=(const ValueBase &other)
+{
+    if (this == &other)
+        return *this;
+    m_type = other.m_type;
+    m_name = other.m_name;
+    m_state = other.m_state;
+    m_properties = other.m_properties;
+    SetAutoDelete(other.IsAutoDelete());
+    m_descriptor = other.m_descriptor;
+    startTimer(other.GetUpdateTimerTime());
+    SetUndoManager(other.GetUndoManager());
+    return *this;
+}
+
+ValueBase::~ValueBase()
+{
+    if (!Kelm::isUnloading() && !Kelm::isAcceptableThread()) {
+        SPECTREE_TRACE(TraceWarnings,
+                       QStringLiteral("VTTHREADING: Destructing value from non-main thread. "
+                                      "ValueName: %1, %2")
+                           .arg(m_name, GetPathName()));
+        Kelm::terminate();
+    }
+    const QString path = m_rare != nullptr ? m_rare->lastCompletePathName : QString();
+    LastDeletedObject::Instance() = {path.isEmpty() ? m_name : path,
+                                     LastDeletedObject::ValueObjectType};
+    if (m_rare != nullptr)
+        m_rare->timer.reset();
+    setFlag(AutoDelete, false);
+    m_state = VS_DELETED;
+    // An observer that wasn't told, for a transaction is open, would keep a dangling pointer.
+    setFlag(NotifyEnabled, true);
+    ValueBase::NotifyObservers(CC_STATE, nullptr);
+    if (m_rare != nullptr && m_rare->notifyDeleteFn)
+        std::exchange(m_rare->notifyDeleteFn, nullptr)(this);
+    delete m_handOver.load(std::memory_order_acquire);
+}
+
+ValueBase::Rare &ValueBase::rare()
+{
+    if (m_rare == nullptr)
+        m_rare = std::make_unique<Rare>();
+    return *m_rare;
+}
+
+void ValueBase::setFlag(Flag flag, bool on)
+{
+    if (on)
+        m_flags.fetch_or(flag, std::memory_order_relaxed);
+    else
+        m_flags.fetch_and(static_cast<unsigned char>(~flag), std::memory_order_relaxed);
+}
+
+void ValueBase::setProperty(Property property, bool on)
+{
+    m_properties = on ? m_properties | property : m_properties & ~unsigned(property);
+}
+
+void ValueBase::SetName(const QString &name, IObserver *source)
+{
+    if (name.isEmpty())
+        throw KRException("Empty names are not allowed!", __FILE__, "ValueBase", "SetName",
+                          __LINE__);
+    m_name = name;
+    NotifyObservers(CC_NAME, source);
+}
+
+QString ValueBase::GetPathName() const
+{
+    return GetValueItem() != nullptr ? m_deleteObserver->GetPathName() : QString();
+}
+
+ValueItem *ValueBase::GetValueItem() const
+{
+    return m_deleteObserver != nullptr ? m_deleteObserver->AsValueItem() : nullptr;
+}
+
+void ValueBase::SetLastCompletePathName()
+{
+    if (GetValueItem() != nullptr)
+        rare().lastCompletePathName = m_deleteObserver->GetPathName();
+    m_type = GetType();
+}
+
+const std::string &ValueBase::GetTranslationNamespace() const
+{
+    return m_rare != nullptr ? m_rare->translationNamespace : kDefaultNamespace;
+}
+
+void ValueBase::SetTranslationNamespace(const char *name, IObserver *source)
+{
+    const std::string newName = name != nullptr ? name : "";
+    if (IsChangeForeign())
+        return PostChange(
+            [this, newName, source] { SetTranslationNamespace(newName.c_str(), source); });
+    if (GetTranslationNamespace() == newName)
+        return;
+    rare().translationNamespace = newName;
+    if (Record())
+        RecordCommand(new CommandSetTranslationNamespace(this, newName, nullptr));
+    NotifyObservers(CC_TRANSLATION_NAMESPACE, source);
+}
+
+void ValueBase::SetStringValue(QString /*text*/, IObserver * /*source*/) {}
+QString ValueBase::GetStringValue() const { return {}; }
+
+void ValueBase::SetState(TValueState state, IObserver *source)
+{
+    if (IsChangeForeign())
+        return PostChange([this, state, source] { SetState(state, source); });
+    if (state == m_state)
+        return;
+    if (IUndoManager *undo = GetUndoManager()) {
+        if (state == VS_DELETED)
+            undo->ResetUndoStacks(); // a deleted value can't be restored
+        else
+            undo->AddUndoCommand(new CommandSetState(this, m_state, nullptr));
+    }
+    m_state = state;
+    if (Record())
+        RecordCommand(new CommandSetState(this, state, source));
+    NotifyObservers(CC_STATE, source);
+}
+
+bool ValueBase::Compare(const ValueBase *other) const
+{
+    return other != nullptr && m_type == other->m_type && m_name == other->m_name &&
+           m_state == other->m_state && m_properties == other->m_properties &&
+           IsAutoDelete() == other->IsAutoDelete() && m_descriptor == other->m_descriptor &&
+           GetUpdateTimerTime() == other->GetUpdateTimerTime();
+}
+
+void ValueBase::BindNotifyDeleteFn(std::function<void(ValueBase *)> function)
+{
+    rare().notifyDeleteFn = std::move(function);
+}
+
+unsigned int ValueBase::GetUpdateTimerTime() const
+{
+    return m_rare != nullptr ? m_rare->updateTimerTime : 0;
+}
+
+int ValueBase::SetUpdateTimerTime(unsigned int milliseconds)
+{
+    // A timer runs on the thread that starts it.
+    if (isForeignThread()) {
+        PostChange([this, milliseconds] { SetUpdateTimerTime(milliseconds); });
+        return 0;
+    }
+    if (IUndoManager *undo = GetUndoManager())
+        undo->AddUndoCommand(new CommandUpdateTimerTime(this, GetUpdateTimerTime(), nullptr));
+    const int id = startTimer(milliseconds);
+    if (Record())
+        RecordCommand(new CommandUpdateTimerTime(this, milliseconds, nullptr));
+    return id;
+}
+
+int ValueBase::startTimer(unsigned int milliseconds)
+{
+    if (milliseconds == 0) {
+        if (m_rare != nullptr) {
+            m_rare->updateTimerTime = 0;
+            m_rare->timer.reset();
+        }
+        return 0;
+    }
+    Rare &own = rare();
+    own.updateTimerTime = milliseconds;
+    if (own.timer == nullptr)
+        own.timer = Kelm::ObjectTimer::create(this);
+    own.timer->KillTimers();
+    // The timer counts in an int; a longer period is never again.
+    return own.timer->StartTimer(int(std::min<unsigned int>(milliseconds, INT_MAX)));
+}
+
+void ValueBase::OnTimer(int /*id*/)
+{
+    throw KRException("Function OnTimer(int id) not implemented for this class!", __FILE__,
+                      "ValueBase", "OnTimer", __LINE__);
+}
+
+void ValueBase::OverrideTimer(unsigned int /*milliseconds*/)
+{
+    throw KRException("Function OverrideTimer(unsigned int ms) not implemented for this class!",
+                      __FILE__, "ValueBase", "OverrideTimer", __LINE__);
+}
+
+void ValueBase::KillOverrideTimer(int /*id*/)
+{
+    throw KRException("Function KillOverrideTimer(int id) not implemented for this class!",
+                      __FILE__, "ValueBase", "KillOverrideTimer", __LINE__);
+}
+
+LastDeletedObject &LastDeletedObject::Instance()
+{
+    // Never destroyed: values of static storage write here at the very end.
+    static auto *const last = new LastDeletedObject;
+    return *last;
+}
+
+namespace {
+IValueDescriptorMap *descriptorMap = nullptr;
+}
+
+IValueDescriptorMap *IValueDescriptorMap::Instance() { return descriptorMap; }
+void IValueDescriptorMap::SetInstance(IValueDescriptorMap *map) { descriptorMap = map; }
+
+} // namespace values

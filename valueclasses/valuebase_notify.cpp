@@ -1,0 +1,116 @@
+// Observers: notification, its hand-over to the application thread, deletion by the last observer.
+#include "platform/base/errorhandler.h"
+#include "platform/base/kelmos.h"
+#include "platform/base/sync.h"
+#include "valueclasses/notifydistinction.h"
+#include "valueclasses/valuebase.h"
+#include "valueclasses/valuebase_p.h"
+#include "valueclasses/valuecommands.h"
+
+namespace values {
+
+void ValueBase::HasChanged(TChangeCode code, IObserver *source)
+{
+    if (IsChangeForeign())
+        return PostChange([this, code, source] { HasChanged(code, source); });
+    if (Record())
+        RecordCommand(new CommandHasChanged(this, code, source));
+    if (!hasFlag(NotifyEnabled))
+        setFlag(NotifyEnabled, true);
+    NotifyObservers(code, source);
+}
+
+void ValueBase::NotifyObservers(TChangeCode code, IObserver *source)
+{
+    if (!hasFlag(NotifyEnabled))
+        return;
+    if (Kelm::isAcceptableThread() || Kelm::isUnloading())
+        NotifyObserversDistinct(code, source);
+    else if (hasFlag(HandsOver))
+        handOver().NotifyObservers(code, source);
+    else
+        failWrongThread(code);
+}
+
+void ValueBase::NotifyObserversDistinct(TChangeCode code, IObserver *source)
+{
+    if (!Kelm::isAcceptableThread() && !Kelm::isUnloading()) [[unlikely]] {
+        SPECTREE_TRACE(TraceWarnings,
+                       QStringLiteral("VTTHREADING: Notifying in non-main thread for Item : %1")
+                           .arg(GetPathName()));
+        Kelm::terminate();
+    }
+    if (m_state == VS_DELETED && IsNotifying()) [[unlikely]]
+        SPECTREE_TRACE(TraceWarnings,
+                       QStringLiteral("VTTHREADING: Recursion in deletion notify for Item : %1")
+                           .arg(GetPathName()));
+    Observable::NotifyObservers(code, source); // an observer may have deleted this value
+}
+
+void ValueBase::NotificationEnded()
+{
+    if (m_rare != nullptr)
+        releaseCommands();
+}
+
+void ValueBase::failWrongThread(TChangeCode code) const
+{
+    // A dying value can't be asked for its type name any more.
+    const bool dying = code == CC_STATE && m_state == VS_DELETED;
+    const QString text =
+        dying ? QStringLiteral(
+                    "Could not notify observers in the main thread\nwhile deleting value \"%1\" of "
+                    "type \"%2\".\nMaybe QApplication::qApp is already deleted.\nObservers will be "
+                    "notified in the current thread.\n")
+                    .arg(m_name, QString::number(m_type))
+              : QStringLiteral(
+                    "Could not notify observers in the main thread\nThe value \"%1\" of type "
+                    "\"%2\" is not able to notify its observers.\nMaybe there is no instance of "
+                    "QApplication::qApp.\n")
+                    .arg(m_name, GetTypeName());
+    SPECTREE_TRACE(TraceWarnings, text);
+    Kelm::terminate();
+}
+
+bool ValueBase::isForeignThread() const
+{
+    return hasFlag(HandsOver) && !Kelm::isAcceptableThread() && !Kelm::isUnloading();
+}
+
+NotifyDistinction &ValueBase::handOver()
+{
+    NotifyDistinction *present = m_handOver.load(std::memory_order_acquire);
+    if (present != nullptr)
+        return *present;
+    auto made = std::make_unique<NotifyDistinction>(this);
+    Kelm::syncRelease(made.get());
+    if (m_handOver.compare_exchange_strong(present, made.get(), std::memory_order_acq_rel))
+        return *made.release();
+    made.release()->deleteLater(); // another thread was first
+    return *present;
+}
+
+void ValueBase::PostChange(std::function<void()> change)
+{
+    SPECTREE_TRACE(TraceWarnings,
+                   QStringLiteral("VTTHREADING: Change of a recorded value in non-main thread is "
+                                  "posted. ValueName: %1")
+                       .arg(m_name));
+    Kelm::post(&handOver(), std::move(change));
+}
+
+void ValueBase::DeleteObserver(IObserver *observer)
+{
+    Observable::DeleteObserver(observer);
+    if (IsAutoDelete() && !HasObservers())
+        delete this;
+}
+
+void ValueBase::DeleteObservers()
+{
+    Observable::DeleteObservers();
+    if (IsAutoDelete())
+        delete this;
+}
+
+} // namespace values

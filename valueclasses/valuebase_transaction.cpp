@@ -1,0 +1,112 @@
+// Transactions, and the bracket that they leave in the undo stack.
+#include "platform/base/errorhandler.h"
+#include "valueclasses/iundomanager.h"
+#include "valueclasses/valuebase.h"
+#include "valueclasses/valuebase_p.h"
+#include "valueclasses/valuecommands.h"
+
+namespace values {
+
+namespace {
+
+// Numbers rather than addresses: the undo manager may have dropped a command, and the next one may
+// stand where it stood.
+std::uint64_t nextBracket()
+{
+    static std::atomic<std::uint64_t> last{0};
+    return ++last;
+}
+
+} // namespace
+
+bool ValueBase::FindCommandEndTransactionPredicate::operator()(const KELM::ICommand &command) const
+{
+    if (m_bracket == 0 || command.GetCommandId() != CommandEndTransaction::kId)
+        return false;
+    const auto *end = dynamic_cast<const CommandEndTransaction *>(&command);
+    return end != nullptr && end->GetBracket() == m_bracket;
+}
+
+TChangeCode ValueBase::GetUndoChangeCode(TChangeCode code)
+{
+    switch (code) {
+    case CC_ITEM_ADDED:
+        return CC_ITEM_REMOVED;
+    case CC_ITEM_REMOVED:
+        return CC_ITEM_ADDED;
+    case CC_LIST_CLEARED:
+    case CC_LIST_CLEARED2:
+        return CC_LIST_REPLACED;
+    default:
+        return code;
+    }
+}
+
+void ValueBase::StartTransaction(IObserver *source)
+{
+    if (IsChangeForeign())
+        return PostChange([this, source] { StartTransaction(source); });
+    if (m_transactionCount < 1 && (source != nullptr || m_rare != nullptr))
+        rare().transactionSource = source;
+    ++m_transactionCount;
+    setFlag(NotifyEnabled, false);
+    if (IUndoManager *undo = GetUndoManager()) {
+        // Undo runs backwards: there this command ends what EndTransaction's begins.
+        const std::uint64_t bracket = nextBracket();
+        rare().openBrackets.push_back({m_transactionCount, bracket});
+        undo->AddUndoCommand(new CommandEndTransaction(this, CC_NONE, nullptr, bracket));
+    }
+    if (Record())
+        RecordCommand(new CommandStartTransaction(this, source));
+}
+
+void ValueBase::EndTransaction(TChangeCode code, IObserver *source)
+{
+    if (IsChangeForeign())
+        return PostChange([this, code, source] { EndTransaction(code, source); });
+    closeUndoBracket(code);
+    --m_transactionCount;
+    if (Record())
+        RecordCommand(new CommandEndTransaction(this, code, source));
+    if (m_transactionCount != 0)
+        return;
+    EndTrImpl(code, source);
+}
+
+void ValueBase::closeUndoBracket(TChangeCode code)
+{
+    std::uint64_t bracket = 0;
+    if (m_rare != nullptr) {
+        auto &open = m_rare->openBrackets;
+        while (!open.empty() && open.back().depth >= m_transactionCount) {
+            bracket = open.back().depth == m_transactionCount ? open.back().bracket : 0;
+            open.pop_back();
+        }
+    }
+    IUndoManager *undo = GetUndoManager();
+    if (undo == nullptr)
+        return;
+    FindCommandEndTransactionPredicate isOurs(bracket);
+    auto end = std::make_unique<CommandEndTransaction>(this, GetUndoChangeCode(code), nullptr);
+    if (undo->ReplaceUndoCommand_If(&isOurs, end.get()))
+        static_cast<void>(end.release());
+    else
+        SPECTREE_TRACE(TraceLifecycle,
+                       QStringLiteral("Error in ValueBase::EndTransaction: Cannot replace undo "
+                                      "command of ValueBase::StartTransaction"));
+    undo->AddUndoCommand(new CommandStartTransaction(this, nullptr));
+}
+
+void ValueBase::EndTrImpl(TChangeCode code, IObserver *source)
+{
+    setFlag(NotifyEnabled, true);
+    if (code != CC_NONE)
+        NotifyObservers(code, source);
+}
+
+ValueTransaction ValueBase::CreateTransaction(TChangeCode code, const IObserver *source)
+{
+    return ValueTransaction(*this, code, source);
+}
+
+} // namespace values
