@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QSize>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace monitor {
+
+/// What the command line asks for.
+struct Options {
+    enum class Action { run, showHelp, showVersion };
+    Action action = Action::run;
+
+    QString endpoint;
+    QString pngFile, jsonFile; ///< empty: not asked for; the report's "-" is standard output
+    std::optional<double> seconds;
+    std::optional<quint64> scans;
+    double timeoutSeconds = 10.0; ///< how long the server, or its next scan, may stay away
+    QSize size{1600, 1000};       ///< of the picture
+    std::optional<double> fromHz, toHz;
+
+    QString windowGuid; ///< without braces; made anew when not given
+    QString token;
+    QString serverKeyFile; ///< holds the server's public key; empty for none
+    QString clientKeyFile; ///< holds this client's secret key
+    bool quiet = false;
+};
+
+/// Reads the command line, of which the first entry is the program.
+/// \throws Failure (usage) with a sentence that names the option
+Options parseOptions(const QStringList &arguments);
+
+/// The text of --help. Needs a QCoreApplication.
+QString helpText();
+
+/// A number with an optional k, M or G: "98.5M". nullopt for anything else, infinities included.
+std::optional<double> parseHertz(const QString &text);
+
+} // namespace monitor
