@@ -42,8 +42,8 @@ double channelsIn(const values::ChannelRangeDefinition &channels, const Extent &
         const double a = (extent.low - range.firstCenterFrequency) / step;
         const double b = (extent.high - range.firstCenterFrequency) / step;
         const double first = std::max(0.0, std::ceil(std::min(a, b) - 1e-9));
-        const double last = std::min(double(range.channelCount) - 1.0,
-                                     std::floor(std::max(a, b) + 1e-9));
+        const double last =
+            std::min(double(range.channelCount) - 1.0, std::floor(std::max(a, b) + 1e-9));
         count += std::max(0.0, last - first + 1.0);
     }
     return count;

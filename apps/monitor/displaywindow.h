@@ -29,9 +29,9 @@ public:
 /// and fills a SpectrumDisplay.
 ///
 /// The axis it asks for shows all channels, or what lies in the wished frequencies, with as many
-/// pixels as channels (at most 4000, the finest that a server gives). Rows count only while axis and
-/// levels are known for certain: those of another axis, and those on their way while a change of
-/// levels is being confirmed, are dropped. Not thread-safe: one owner, one thread.
+/// pixels as channels (at most 4000, the finest that a server gives). Rows count only while axis
+/// and levels are known for certain: those of another axis, and those on their way while a change
+/// of levels is being confirmed, are dropped. Not thread-safe: one owner, one thread.
 class DisplayWindow {
 public:
     DisplayWindow(WindowCommands &commands, std::optional<double> fromHz,

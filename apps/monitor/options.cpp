@@ -23,7 +23,8 @@ void declare(QCommandLineParser &parser)
 {
     const auto add = [&parser](const char *name, const char *text, const char *value,
                                const char *standard = nullptr) {
-        QCommandLineOption option(QLatin1String(name), QLatin1String(text), QLatin1String(value));
+        QCommandLineOption option{QString::fromLatin1(name), QLatin1String(text),
+                                  QLatin1String(value)};
         if (standard)
             option.setDefaultValue(QLatin1String(standard));
         parser.addOption(option);
@@ -39,7 +40,6 @@ void declare(QCommandLineParser &parser)
     add("from", "Show from this frequency, such as 88M, instead of all.", "hz");
     add("to", "Show up to this frequency.", "hz");
     add("window-guid", "Identity of the window; by default a new one each time.", "guid");
-    add("token", "Token that the server asks its clients for.", "text");
     add("server-key", "File with the public CURVE key of the server.", "file");
     add("client-key", "File with the secret CURVE key of this client.", "file");
     parser.addOption({QStringLiteral("quiet"), QStringLiteral("Write no progress.")});
@@ -98,7 +98,6 @@ void readServer(const QCommandLineParser &parser, Options &options)
     if (!match.hasMatch() || port < 1 || port > 65535)
         throw usage(QStringLiteral("--connect \"%1\" is not of the form tcp://HOST:PORT.")
                         .arg(options.endpoint));
-    options.token = parser.value(QStringLiteral("token"));
     options.serverKeyFile = parser.value(QStringLiteral("server-key"));
     options.clientKeyFile = parser.value(QStringLiteral("client-key"));
     if (options.serverKeyFile.isEmpty() != options.clientKeyFile.isEmpty())

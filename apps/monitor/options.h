@@ -21,8 +21,7 @@ struct Options {
     QSize size{1600, 1000};       ///< of the picture
     std::optional<double> fromHz, toHz;
 
-    QString windowGuid; ///< without braces; made anew when not given
-    QString token;
+    QString windowGuid;    ///< without braces; made anew when not given
     QString serverKeyFile; ///< holds the server's public key; empty for none
     QString clientKeyFile; ///< holds this client's secret key
     bool quiet = false;

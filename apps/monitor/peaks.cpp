@@ -81,7 +81,8 @@ double levelQuantile(std::span<const float> levels, double share)
                  [](float level) { return std::isfinite(level); });
     if (known.empty())
         return std::numeric_limits<double>::quiet_NaN();
-    const auto rank = std::ptrdiff_t(std::clamp(share, 0.0, 1.0) * double(known.size() - 1));
+    const auto rank =
+        std::ptrdiff_t(std::lround(std::clamp(share, 0.0, 1.0) * double(known.size() - 1)));
     std::nth_element(known.begin(), known.begin() + rank, known.end());
     return known[std::size_t(rank)];
 }

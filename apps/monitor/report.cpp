@@ -6,6 +6,7 @@
 #include <QSaveFile>
 
 #include <cmath>
+#include <cstdio>
 
 namespace monitor {
 namespace {
@@ -48,6 +49,12 @@ QByteArray toJson(const Report &report)
 
 QString writeFile(const QString &path, const QByteArray &content)
 {
+    if (path == QLatin1String("-")) {
+        const auto written =
+            std::fwrite(content.constData(), 1, std::size_t(content.size()), stdout);
+        const bool complete = written == std::size_t(content.size()) && std::fflush(stdout) == 0;
+        return complete ? QString() : QStringLiteral("Cannot write to standard output.");
+    }
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.commit())
         return QStringLiteral("Cannot write \"%1\": %2. Check that its folder exists and may be "

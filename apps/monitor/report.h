@@ -25,7 +25,8 @@ struct Report {
 /// UTF-8 JSON with a closing newline. Numbers that aren't finite are written as null.
 QByteArray toJson(const Report &report);
 
-/// Writes \a content to \a path through a temporary file, so that a reader never sees half of it.
+/// Writes \a content to \a path through a temporary file, so that a reader never sees half of it;
+/// "-" is standard output.
 /// Returns what went wrong, or an empty text.
 QString writeFile(const QString &path, const QByteArray &content);
 

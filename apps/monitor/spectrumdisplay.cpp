@@ -48,7 +48,6 @@ bool SpectrumDisplay::addRow(KRTimeStamp time, std::span<const float> levels)
     }
     m_growingTime = time;
     m_growing.assign(levels.begin(), levels.end());
-    m_latest = m_growing;
     return true;
 }
 

@@ -25,7 +25,7 @@ public:
     /// One waterfall row, oldest first. A row with the time of the newest one is that scan again,
     /// further along, and takes its place. A row of the wrong width is refused (false).
     bool addRow(KRTimeStamp time, std::span<const float> levels);
-    /// The latest trace, where the window draws one of its own. False if its width is wrong.
+    /// The latest trace: the newest row, or a curve of its own. False if its width is wrong.
     bool setLatest(std::span<const float> levels);
     /// Adds what is still growing to mean, highest and history. For the end of a run.
     void finishRow();

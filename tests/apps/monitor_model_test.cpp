@@ -26,7 +26,8 @@ TEST(SpectrumDisplay, AveragesPowersAndKeepsTheHighest)
     SpectrumDisplay display = displayOf(2);
     EXPECT_TRUE(display.addRow(10, std::vector<float>{20, kHole}));
     EXPECT_TRUE(display.addRow(20, std::vector<float>{40, 30}));
-    EXPECT_FLOAT_EQ(display.latest()[0], 40);
+    EXPECT_TRUE(display.setLatest(std::vector<float>{41, 31}));
+    EXPECT_FLOAT_EQ(display.latest()[0], 41);
     display.finishRow();
     // (10^2 + 10^4) / 2 is 37.03 dB, where the mean of the dB would be 30.
     EXPECT_NEAR(display.mean()[0], 10.0 * std::log10(5050.0), 1e-4);

@@ -20,7 +20,6 @@ TEST(MonitorOptions, ReadsEverything)
                                          "--from",        "88.5M",
                                          "--to",          "1.08e8",
                                          "--window-guid", "{0b5e1c6e-7a0f-4b0e-9c55-3d7d1d7c2f11}",
-                                         "--token",       "t",
                                          "--timeout",     "2.5",
                                          "--server-key",  "s.key",
                                          "--client-key",  "c.key",
@@ -32,7 +31,6 @@ TEST(MonitorOptions, ReadsEverything)
     EXPECT_EQ(options.fromHz, 88.5e6);
     EXPECT_EQ(options.toHz, 108e6);
     EXPECT_EQ(options.windowGuid, QStringLiteral("0b5e1c6e-7a0f-4b0e-9c55-3d7d1d7c2f11"));
-    EXPECT_EQ(options.token, QStringLiteral("t"));
     EXPECT_EQ(options.timeoutSeconds, 2.5);
     EXPECT_EQ(options.serverKeyFile, QStringLiteral("s.key"));
     EXPECT_EQ(options.clientKeyFile, QStringLiteral("c.key"));

@@ -53,6 +53,7 @@ void fillBand(SpectrumDisplay &display, std::size_t pixels, int rows)
         if (row % 97 > 80)
             addLobe(levels, 0.72 * n, n * 0.009, 44.0);
         display.addRow(kNoon + KRTimeStamp(row) * 40'000, levels);
+        display.setLatest(levels);
     }
     display.finishRow();
 }
@@ -128,9 +129,11 @@ TEST(Picture, NewestScanStandsAtTheTopAndPausesStayEmpty)
     keep(image, "pause");
     const QRectF pane = makeScene(display, caption(), size).waterfall;
     const int x = int(pane.center().x());
-    EXPECT_GT(qGreen(image.pixel(x, int(pane.top()) + 3)), 200);
+    const QRgb newest = image.pixel(x, int(pane.top()) + 3);
+    const QRgb oldest = image.pixel(x, int(pane.bottom()) - 3);
+    EXPECT_GT(qRed(newest), qRed(oldest) + 50);
     EXPECT_EQ(image.pixel(x, int(pane.center().y())), Theme::pane.rgb());
-    EXPECT_NE(image.pixel(x, int(pane.bottom()) - 3), Theme::pane.rgb());
+    EXPECT_NE(oldest, Theme::pane.rgb());
 }
 
 TEST(Picture, StandsAnyDisplay)
