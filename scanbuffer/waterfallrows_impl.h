@@ -126,7 +126,7 @@ void WaterfallRows<Y, YHandler>::fillMessage(const Pass &pass, std::uint64_t fir
     }
     m_lastSentTime = youngest;
     m_head.width = std::uint32_t(pass.pixels);
-    // Displays take ids of a million and less for a count of scans since the start.
+    // Displays count on this step: in a long-running buffer they compare with the id behind.
     m_head.youngestID = m_youngestId > 1000000 ? m_youngestId + 1 : m_youngestId;
     m_head.compression = 1;
     m_head.packetId = std::uint16_t(pass.packetId);

@@ -1,0 +1,297 @@
+#include "fakewindow.h"
+#include "scanbuffer/waterfallrows_impl.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <optional>
+#include <random>
+
+namespace {
+
+using values::Bearing;
+using values::BearingHandler;
+using values::levelHandler;
+
+/// The rows of a made window, pass by pass, with what went out.
+template <typename Y, typename YHandler>
+struct Rig {
+    FakeWindow<Y> window;
+    sbs::WaterfallRows<Y, YHandler> rows;
+    bool relative = false;
+
+    int addLine(std::vector<Y> samples, std::uint64_t id = 1)
+    {
+        window.lines.push_back(std::move(samples));
+        window.ids.push_back(id);
+        return int(window.lines.size()) - 1;
+    }
+    /// One pass over lines that were added, newest first; nothing when time has run back.
+    std::optional<MDataWaterfall> pass(const std::vector<int> &lines,
+                                       const std::vector<KRTimeStamp> &times)
+    {
+        const int pixels = int(window.lines[std::size_t(lines.front())].size());
+        const typename sbs::WaterfallRows<Y, YHandler>::Pass pass{
+            lines, times, pixels, int(lines.size()), relative, true, 7};
+        if (rows.hasRunBack(pass))
+            return {};
+        rows.compose(window, pass);
+        return rows.message();
+    }
+    /// The colours of one line in a single pass.
+    std::string colors(std::vector<Y> samples)
+    {
+        const int line = addLine(std::move(samples));
+        return pass({line}, {++m_time})->GetString();
+    }
+
+private:
+    KRTimeStamp m_time = 0;
+};
+
+using LevelRig = Rig<short, levelHandler>;
+using Times = std::vector<KRTimeStamp>;
+
+std::string bytes(std::initializer_list<int> colors)
+{
+    return std::string(colors.begin(), colors.end());
+}
+
+TEST(WaterfallColors, TheRule)
+{
+    struct Row {
+        double value, start, stop;
+        int steps;
+        short dimension;
+        int color;
+    };
+    const double nan = std::nan(""), inf = std::numeric_limits<double>::infinity();
+    for (const Row &row : std::vector<Row>{
+             {0, 0, 100, 0, 0, 0},
+             {50, 0, 100, 0, 0, 128},
+             {99.4, 0, 100, 0, 0, 253},
+             {99.5, 0, 100, 0, 0, 255}, // 254.2 is above 254 already
+             {100, 0, 100, 0, 0, 255},
+             {-1, 0, 100, 0, 0, 0},
+             {1e300, 0, 100, 255, 0, 255},
+             {10, 100, 0, 0, 0, 230},   // a range that is turned
+             {10, 20, 20, 64, 0, 0},    // no range at all
+             {50, 0, 100, 3, 0, 85},    // one of three steps
+             {50, 0, 100, 256, 0, 128}, // counted modulo 256: no steps
+             {360, 20, 20, 0, 3, 0},    // azimuths have a range of their own
+             {-90, 0, 1, 0, 3, 191},
+             {nan, 0, 100, 64, 0, 0},
+             {inf, 0, 100, 0, 0, 255},
+             {-inf, 0, 100, 64, 0, 0},
+         }) {
+        const sbs::WaterfallColors colors(row.start, row.stop, row.steps, row.dimension);
+        EXPECT_EQ(colors.ValueToChar(row.value), row.color)
+            << row.value << " of " << row.start << " to " << row.stop << ", " << row.steps;
+    }
+}
+
+/// The table of 16-bit levels gives what the plain rule gives, for all of them.
+TEST(WaterfallRows, TheTableIsTheRule)
+{
+    std::vector<short> all;
+    for (int value = -32768; value <= 32767; ++value)
+        all.push_back(short(value));
+    for (const auto &range : {std::pair{-30.0, 130.0}, {130.0, -30.0}, {-3276.8, 3276.7}, {5, 5}})
+        for (int steps = 0; steps <= 256; ++steps) {
+            if (steps > 4 && steps % 9 != 0 && steps != 64 && steps != 126 && steps < 254)
+                continue;
+            LevelRig rig;
+            rig.window.yRanges[0] = range;
+            rig.window.colorSteps = steps;
+            const sbs::WaterfallColors rule(range.first, range.second, steps, 0);
+            std::string expected;
+            for (const short level : all)
+                expected.push_back(char(rule.ValueToChar(level / 10.0)));
+            ASSERT_EQ(rig.colors(all), expected) << range.first << ", " << steps;
+        }
+}
+
+TEST(WaterfallRows, TheTableKeepsTheThresholdExact)
+{
+    std::mt19937 random(3);
+    LevelRig rig;
+    rig.window.thresholdActive = true;
+    std::vector<short> line;
+    for (int pixel = 0; pixel < 5000; ++pixel) {
+        const int level = int(random() % 2000) - 500;
+        line.push_back(short(level));
+        // On the level, one rounding beside it, or anywhere.
+        const double at = level / 10.0;
+        const double choice[] = {at,
+                                 std::nextafter(at, 1e9),
+                                 std::nextafter(at, -1e9),
+                                 double(random() % 100),
+                                 std::nan(""),
+                                 -1e300,
+                                 1e300};
+        rig.window.thresholdLine.push_back(choice[random() % 7]);
+    }
+    rig.window.yRanges[0] = {-51.0, 150.0};
+    const sbs::WaterfallColors rule(-51.0, 150.0, 255, 0);
+    std::string expected;
+    for (std::size_t pixel = 0; pixel < line.size(); ++pixel) {
+        const double level = line[pixel] / 10.0;
+        const bool hidden = !(rig.window.thresholdLine[pixel] < level);
+        expected.push_back(hidden ? char(0) : char(rule.ValueToChar(level)));
+    }
+    EXPECT_EQ(rig.colors(line), expected);
+    // The line of thresholds changes, or ends early: what was worked out before is not kept.
+    rig.window.thresholdLine.assign(10, 1e300);
+    rig.window.threshold = -1e300;
+    const std::string colors = rig.colors(line);
+    EXPECT_EQ(colors.substr(0, 10), std::string(10, '\0'));
+    EXPECT_EQ(colors[11], char(rule.ValueToChar(line[11] / 10.0)));
+}
+
+TEST(WaterfallRows, ThresholdOfLevels)
+{
+    LevelRig rig;
+    rig.window.colorSteps = 0;
+    rig.window.thresholdLine.assign(3, 50.0);
+    EXPECT_EQ(rig.colors({499, 500, 501}), bytes({127, 128, 128})) << "off";
+    rig.window.thresholdActive = true;
+    EXPECT_EQ(rig.colors({499, 500, 501}), bytes({0, 0, 128})) << "equal is hidden";
+    rig.window.thresholdActiveForLevel = false;
+    EXPECT_EQ(rig.colors({499, 500, 501}), bytes({127, 128, 128})) << "off for the level";
+}
+
+TEST(WaterfallRows, RelativeToTheReferenceLine)
+{
+    LevelRig rig;
+    rig.relative = true;
+    rig.window.colorSteps = 0;
+    rig.window.yRanges[0] = {-50.0, 50.0};
+    rig.window.refLine = {20.0, 20.0, 20.0, 20.0};
+    rig.window.thresholdLine.assign(4, 10.0);
+    EXPECT_EQ(rig.colors({200, 0, 300, 700}), bytes({128, 77, 153, 255}));
+    rig.window.thresholdActive = true; // of the distance from the line, strictly
+    EXPECT_EQ(rig.colors({200, 0, 300, 700}), bytes({128, 77, 128, 255}));
+}
+
+Bearing bearing(int level, int azimuth, int elevation, int quality)
+{
+    Bearing sample;
+    sample.level = std::int16_t(level * 100);
+    sample.azimuth = std::uint16_t(azimuth * 100);
+    sample.elevation = std::int16_t(elevation * 100);
+    sample.quality = std::int16_t(quality);
+    return sample;
+}
+
+TEST(WaterfallRows, BearingsLeaveAByteWhereThereIsNone)
+{
+    Rig<Bearing, BearingHandler> rig;
+    rig.window.scansPerLine = 9;
+    rig.window.colorSteps = 0;
+    rig.window.yRanges[4] = {0.0, 90.0};
+    rig.window.yRanges[3] = {0.0, 1.0};
+    rig.window.thresholdLine.assign(4, 10.0);
+    rig.window.thresholdActive = true;
+    rig.rows.SetDimension(4);
+    // A bearing, a weak one, none, a negative elevation; then none anywhere.
+    EXPECT_EQ(rig.colors({bearing(20, 0, 45, 1), bearing(10, 0, 45, 1), bearing(20, 0, 45, 0),
+                          bearing(20, 0, -10, 1)}),
+              bytes({128, 0, 0, 0}));
+    EXPECT_EQ(rig.colors(std::vector<Bearing>(4, bearing(20, 0, 45, 0))), bytes({128, 0, 0, 0}))
+        << "the row goes on";
+    rig.rows.SetDimension(3);
+    EXPECT_EQ(rig.colors({bearing(20, 360, 0, 1), bearing(20, 180, 0, 1), bearing(20, 90, 0, 1),
+                          bearing(20, 90, 0, 0)}),
+              bytes({0, 128, 64, 0}));
+    // Relative: only the level counts from the line, and a hidden pixel of a bearing stays.
+    rig.relative = true;
+    rig.window.refLine.assign(4, 15.0);
+    EXPECT_EQ(rig.colors({bearing(20, 90, 0, 1), bearing(40, 90, 0, 1), bearing(20, 0, 0, 1),
+                          bearing(20, 0, 0, 0)}),
+              bytes({0, 64, 64, 0}));
+}
+
+TEST(WaterfallRows, ARowGrowsUntilItHoldsItsScans)
+{
+    LevelRig rig;
+    rig.window.scansPerLine = 4;
+    rig.window.colorSteps = 0;
+    for (int scan = 1; scan <= 5; ++scan) {
+        const int line = rig.addLine({short(100 * scan), 0}, std::uint64_t(40 + scan));
+        const auto sent = rig.pass({line}, {KRTimeStamp(10 * scan)});
+        ASSERT_TRUE(sent);
+        EXPECT_EQ(sent->size(), QSize(2, 1));
+        EXPECT_EQ(sent->GetTime(), Times{KRTimeStamp(scan <= 4 ? 10 : 50)}) << "its first scan's";
+        EXPECT_EQ(sent->GetYoungestID(), std::uint64_t(40 + scan));
+        EXPECT_EQ(std::uint8_t(sent->GetString()[0]), int(25.5 * scan + 0.5));
+        EXPECT_TRUE(sent->UseForCurve());
+        EXPECT_EQ(sent->PacketId(), 7);
+    }
+}
+
+TEST(WaterfallRows, AScanThatIsReadInPartsCountsOnce)
+{
+    LevelRig rig;
+    rig.window.scansPerLine = 2;
+    const int line = rig.addLine({0}), next = rig.addLine({0});
+    for (int part = 0; part < 3; ++part)
+        EXPECT_EQ(rig.pass({line}, {10})->GetTime(), Times{10});
+    EXPECT_EQ(rig.pass({next, line}, {20, 10})->GetLineCnt(), 1u) << "finished by the second";
+    EXPECT_EQ(rig.pass({next}, {20})->GetTime(), Times{10}) << "more of a finished row's scan";
+    const int third = rig.addLine({0});
+    EXPECT_EQ(rig.pass({third}, {30})->GetTime(), Times{30});
+}
+
+TEST(WaterfallRows, RowsStandNewestFirst)
+{
+    LevelRig rig;
+    rig.window.colorSteps = 0;
+    const int old = rig.addLine({100}, 1), middle = rig.addLine({200}, 2),
+              young = rig.addLine({300}, 1000001);
+    auto sent = rig.pass({young, middle, old}, {30, 20, 10});
+    EXPECT_EQ(sent->GetLineCnt(), 3u);
+    EXPECT_EQ(sent->GetTime(), (Times{30, 20, 10}));
+    EXPECT_EQ(sent->GetString(), bytes({77, 51, 26}));
+    EXPECT_EQ(sent->GetYoungestID(), 1000002u) << "above a million one is added";
+
+    rig.window.scansPerLine = 2; // two rows' worth and one over, which waits unseen
+    rig.rows.resetCurrentTimeStamp();
+    sent = rig.pass({young, middle, old}, {30, 20, 10});
+    EXPECT_EQ(sent->GetTime(), Times{10});
+    EXPECT_EQ(sent->GetYoungestID(), 2u);
+    EXPECT_EQ(sent->GetString(), bytes({51})) << "the last scan of a row shows";
+    sent = rig.pass({young}, {40});
+    EXPECT_EQ(sent->GetTime(), Times{30});
+}
+
+TEST(WaterfallRows, TimeThatRunsBackBeginsAnew)
+{
+    LevelRig rig;
+    rig.window.scansPerLine = 2;
+    const int line = rig.addLine({0}), older = rig.addLine({0});
+    rig.pass({line}, {100});
+    EXPECT_FALSE(rig.pass({line}, {99}));
+    EXPECT_EQ(rig.pass({line}, {50})->GetTime(), Times{50}) << "and goes on from there";
+    EXPECT_EQ(rig.pass({line, older}, {60, 40})->GetTime(), Times{50}) << "an older one is out";
+}
+
+TEST(WaterfallRows, AnotherWidthDropsTheRow)
+{
+    LevelRig rig;
+    rig.window.scansPerLine = 2;
+    rig.window.colorSteps = 0;
+    const int narrow = rig.addLine({500}), wide = rig.addLine({500, 500, 500});
+    rig.pass({narrow}, {10});
+    EXPECT_EQ(rig.pass({wide}, {20})->GetTime(), Times{20});
+    EXPECT_EQ(rig.pass({wide}, {30})->GetString(), bytes({128, 128, 128}));
+}
+
+TEST(WaterfallRows, ListsThatAreTooShort)
+{
+    LevelRig rig;
+    rig.addLine({0});
+    EXPECT_THROW(rig.pass({0, 0}, {1}), std::out_of_range);
+}
+
+} // namespace
