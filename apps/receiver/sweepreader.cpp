@@ -21,7 +21,7 @@ std::string_view trimmed(std::string_view text)
 {
     const auto first = text.find_first_not_of(" \t\r\n");
     if (first == std::string_view::npos)
-        return {};
+        return text.substr(0, 0); // parseSweepRow() measures from its place in the line
     return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
 }
 

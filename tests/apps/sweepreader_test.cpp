@@ -95,6 +95,7 @@ TEST(SweepReader, PlacesTheChannelsOfEachWriter)
          10, 2, "5 -"},
         {"line ends of the other system", "2026-11-21, 10:00:00, 0, 20, 10, 9, 5, 6\r\n", 0, 10, 2,
          "5 6"},
+        {"a line without a time", "2026-11-21, , 0, 20, 10, 9, 5, 6\n", 0, 10, 2, "5 6"},
         {"no line end at all", "2026-11-21,10:00:00,0,20,10,9,5,6", 0, 10, 2, "5 6"},
     };
     for (const GridCase &c : cases) {
