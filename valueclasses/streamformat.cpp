@@ -73,6 +73,8 @@ void appendText(std::string &out, double number)
 {
     // The longest double has 309 digits before its point.
     char digits[std::numeric_limits<double>::max_exponent10 + 16];
+    if (number == 0.0)
+        number = 0.0; // QString prints no sign for a negative zero
     const auto end =
         std::to_chars(digits, digits + sizeof digits, number, std::chars_format::fixed, 6).ptr;
     out.append(digits, end);

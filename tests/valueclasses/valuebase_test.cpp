@@ -1,0 +1,492 @@
+#include "platform/base/errorhandler.h"
+#include "platform/base/krexception.h"
+#include "valueclasses/commandlistoptimizer.h"
+#include "valueclasses/itreeitem.h"
+#include "valueclasses/iundomanager.h"
+#include "valueclasses/notifydistinction.h"
+#include "valueclasses/testvalue.h"
+#include "valueclasses/valuecommands.h"
+
+#include <QCoreApplication>
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <memory>
+#include <thread>
+
+namespace {
+
+using namespace values;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+/// Writes down what it is given, as the text of the commands.
+class UndoLog : public IUndoManager {
+public:
+    bool AddUndoCommand(KELM::ICommand *command) override
+    {
+        commands.emplace_back(dynamic_cast<Command *>(command));
+        return true;
+    }
+    bool ReplaceUndoCommand_If(CommandPredicate *predicate, KELM::ICommand *command) override
+    {
+        for (auto &present : commands)
+            if ((*predicate)(*present)) {
+                present.reset(dynamic_cast<Command *>(command));
+                return true;
+            }
+        return false;
+    }
+    void ResetUndoStacks() override
+    {
+        commands.clear();
+        ++resets;
+    }
+    std::string text() const { return ValueBase::CreateCommandString(commands, unsigned(-1)); }
+    void undoAll()
+    {
+        for (; !commands.empty(); commands.pop_back())
+            commands.back()->Execute();
+    }
+
+    CommandList commands;
+    int resets = 0;
+};
+
+class Item : public ITreeItem {
+public:
+    QString GetPathName() const override { return QStringLiteral("/A/name"); }
+    ValueItem *AsValueItem() override { return reinterpret_cast<ValueItem *>(this); }
+};
+
+TEST(ValueBase, AcceptsOnlyGoodNames)
+{
+    for (const char *name : {"a", "1 name", "A_b.c-d:e"})
+        EXPECT_NO_THROW(TestValue{QString(name)}) << name;
+    for (const char *name : {"", "a/b", "\xC3\xA4", "a;b", "a\tb"})
+        EXPECT_THROW(TestValue{QString::fromUtf8(name)}, KRException) << name;
+
+    CodeLog log; // outlives the value, whose end it is told
+    TestValue value("name");
+    value.AddObserver(&log);
+    EXPECT_THROW(value.SetName("", nullptr), KRException);
+    value.SetName(QString::fromUtf8("\xC3\xA4/"), nullptr); // only the constructor checks
+    EXPECT_THAT(log.codes, ElementsAre(CC_NAME));
+}
+
+/// One row a setter: what it notifies, what it records for itself, and what undo gets.
+struct SetterCase {
+    const char *name;
+    std::function<void(TestValue &)> set;
+    std::vector<int> codes;
+    std::string recorded, undo;
+    bool quietWhenEqual;
+};
+
+const SetterCase kSetters[] = {
+    {"state",
+     [](TestValue &v) { v.SetState(VS_DISABLED, nullptr); },
+     {CC_STATE},
+     "1;2;",
+     "1;0;",
+     true},
+    {"deleted",
+     [](TestValue &v) { v.SetState(VS_DELETED, nullptr); },
+     {CC_STATE},
+     "1;1;",
+     "",
+     true},
+    {"namespace",
+     [](TestValue &v) { v.SetTranslationNamespace("Ns", nullptr); },
+     {CC_TRANSLATION_NAMESPACE},
+     "7;Ns;",
+     "",
+     true},
+    {"changed",
+     [](TestValue &v) { v.HasChanged(CC_VALUE, nullptr); },
+     {CC_VALUE},
+     "0;3;",
+     "",
+     false},
+    {"timer", [](TestValue &v) { v.SetUpdateTimerTime(60000); }, {}, "5;60000;", "5;0;", false},
+};
+
+TEST(ValueBase, EverySetterGoesTheSameRoad)
+{
+    for (const SetterCase &row : kSetters) {
+        SCOPED_TRACE(row.name);
+        UndoLog undo;
+        std::string recorded, transmitted;
+        CodeLog log;
+        TestValue value;
+        log.then = [&](Observable *, TChangeCode) {
+            recorded = value.GetCommandStringForRecording(unsigned(-1));
+            transmitted = value.GetCommandStringForTransmission(unsigned(-1));
+        };
+        value.AddObserver(&log);
+        value.SetUndoManager(&undo);
+        value.CommandRecordingOn();
+        value.CommandRecordingOnForTransmission();
+
+        row.set(value);
+
+        EXPECT_EQ(log.take(), row.codes);
+        EXPECT_EQ(undo.text(), row.undo);
+        if (row.codes.empty()) {
+            recorded = value.GetCommandStringForRecording(unsigned(-1));
+            transmitted = value.GetCommandStringForTransmission(unsigned(-1));
+        } else {
+            EXPECT_THAT(value.GetCommandList(), IsEmpty()) << "the notification empties the lists";
+            EXPECT_THAT(value.GetCommandListForTransmission(), IsEmpty());
+        }
+        EXPECT_EQ(recorded, row.recorded);
+        EXPECT_EQ(transmitted, row.recorded);
+
+        undo.commands.clear();
+        row.set(value);
+        if (row.quietWhenEqual) {
+            EXPECT_THAT(log.codes, IsEmpty());
+            EXPECT_THAT(undo.commands, IsEmpty());
+        }
+        value.SetUndoManager(nullptr);
+    }
+}
+
+TEST(ValueBase, DeletedStateForgetsUndoAndTheSourceIsSkipped)
+{
+    UndoLog undo;
+    CodeLog source, other;
+    TestValue value;
+    value.AddObserver(&source);
+    value.AddObserver(&other);
+    value.SetUndoManager(&undo);
+    value.SetState(VS_DELETED, &source);
+    EXPECT_EQ(undo.resets, 1);
+    EXPECT_THAT(source.codes, IsEmpty());
+    EXPECT_THAT(other.codes, ElementsAre(CC_STATE));
+    value.SetUndoManager(nullptr);
+}
+
+TEST(ValueBase, RecordsIntoEitherListAsCountedAndSuspended)
+{
+    struct Case {
+        const char *name;
+        std::function<void(TestValue &)> prepare;
+        std::size_t recorded, transmitted;
+    } const cases[] = {
+        {"off", [](TestValue &) {}, 0, 0},
+        {"recording", [](TestValue &v) { v.CommandRecordingOn(); }, 1, 0},
+        {"transmission", [](TestValue &v) { v.CommandRecordingOnForTransmission(); }, 0, 1},
+        {"off below zero",
+         [](TestValue &v) {
+             v.CommandRecordingOff();
+             v.CommandRecordingOff();
+             v.CommandRecordingOn();
+         },
+         1, 0},
+        {"counted",
+         [](TestValue &v) {
+             v.CommandRecordingOn();
+             v.CommandRecordingOn();
+             v.CommandRecordingOff();
+         },
+         1, 0},
+        {"one suspended",
+         [](TestValue &v) {
+             v.CommandRecordingOn();
+             v.CommandRecordingOnForTransmission();
+             v.SuspendCommandRecording(true);
+         },
+         0, 1},
+        {"other suspended",
+         [](TestValue &v) {
+             v.CommandRecordingOn();
+             v.CommandRecordingOnForTransmission();
+             v.SuspendCommandRecordingForTransmission(true);
+         },
+         1, 0},
+    };
+    for (const auto &row : cases) {
+        SCOPED_TRACE(row.name);
+        TestValue value;
+        row.prepare(value);
+        value.StartTrImpl(); // so that nothing empties the lists
+        value.SetState(VS_DISABLED, nullptr);
+        EXPECT_EQ(value.GetCommandList().size(), row.recorded);
+        EXPECT_EQ(value.GetCommandListForTransmission().size(), row.transmitted);
+        value.EndTrImpl(CC_VALUE, nullptr);
+        EXPECT_THAT(value.GetCommandList(), IsEmpty()) << "suspended or not";
+        EXPECT_THAT(value.GetCommandListForTransmission(), IsEmpty());
+    }
+}
+
+TEST(ValueBase, OnlyTheOutermostNotificationEmptiesTheLists)
+{
+    std::size_t afterInner = 0;
+    CodeLog log;
+    TestValue value;
+    log.then = [&](Observable *, TChangeCode code) {
+        if (code == CC_VALUE) {
+            value.SetState(VS_DISABLED, nullptr);
+            afterInner = value.GetCommandList().size();
+        }
+    };
+    value.AddObserver(&log);
+    value.CommandRecordingOn();
+    value.HasChanged(CC_VALUE, nullptr);
+    EXPECT_EQ(afterInner, 2U);
+    EXPECT_THAT(value.GetCommandList(), IsEmpty());
+}
+
+// --------------------------------------------------------------------------------- transactions
+
+struct TransactionCase {
+    const char *name;
+    std::function<void(TestValue &)> run;
+    std::vector<int> codes;
+    bool active;
+    std::string commands; // as they reach the observer of the last code
+};
+
+const TransactionCase kTransactions[] = {
+    {"the outermost code counts",
+     [](TestValue &v) {
+         v.StartTransaction(nullptr);
+         v.StartTransaction(nullptr);
+         v.SetState(VS_DISABLED, nullptr);
+         v.EndTransaction(CC_ITEM_ADDED, nullptr);
+         v.EndTransaction(CC_VALUE, nullptr);
+     },
+     {CC_VALUE},
+     false,
+     "3;3;1;2;4;5;4;3;"},
+    {"code 0 is silent, and lets go",
+     [](TestValue &v) {
+         v.StartTransaction(nullptr);
+         v.EndTransaction(CC_NONE, nullptr);
+         v.HasChanged(CC_LIMITS, nullptr);
+     },
+     {CC_LIMITS},
+     false,
+     "3;4;0;0;4;"},
+    {"HasChanged ends the suppression",
+     [](TestValue &v) {
+         v.StartTransaction(nullptr);
+         v.HasChanged(CC_LIMITS, nullptr);
+         EXPECT_FALSE(v.IsTransactionActive());
+         v.SetState(VS_DISABLED, nullptr);
+     },
+     {CC_LIMITS, CC_STATE},
+     false,
+     "1;2;"},
+    {"an end too many",
+     [](TestValue &v) {
+         v.EndTransaction(CC_VALUE, nullptr);
+         v.StartTransaction(nullptr);
+         v.EndTransaction(CC_VALUE, nullptr);
+     },
+     {},
+     true,
+     ""},
+};
+
+TEST(ValueBase, TransactionsHoldNotificationsBack)
+{
+    for (const TransactionCase &row : kTransactions) {
+        SCOPED_TRACE(row.name);
+        std::string commands;
+        CodeLog log;
+        TestValue value;
+        log.then = [&](Observable *, TChangeCode) {
+            commands = value.GetCommandStringForTransmission(unsigned(-1));
+        };
+        value.AddObserver(&log);
+        value.CommandRecordingOnForTransmission();
+        row.run(value);
+        EXPECT_EQ(log.take(), row.codes);
+        EXPECT_EQ(value.IsTransactionActive(), row.active);
+        EXPECT_EQ(commands, row.commands);
+        value.ResumeNotifyObservers();
+    }
+}
+
+TEST(ValueBase, UndoRunsTransactionsBackwards)
+{
+    UndoLog undo;
+    CodeLog log;
+    TestValue value;
+    value.SetUndoManager(&undo);
+    value.StartTransaction(nullptr);
+    value.SetState(VS_DISABLED, nullptr);
+    value.StartTransaction(nullptr);
+    value.EndTransaction(CC_ITEM_ADDED, nullptr);
+    value.EndTransaction(CC_LIST_CLEARED, nullptr);
+    // Read from the end: start, start, end (of the inner one), the state, end (of the outer one).
+    EXPECT_EQ(undo.text(), "4;7;1;0;4;6;3;3;");
+
+    value.SetUndoManager(nullptr);
+    value.AddObserver(&log);
+    undo.undoAll();
+    EXPECT_EQ(value.GetState(), VS_NORMAL);
+    EXPECT_THAT(log.codes, ElementsAre(CC_LIST_REPLACED));
+}
+
+TEST(ValueBase, EndReplacesTheBracketOfItsOwnStart)
+{
+    TestValue first, second;
+    UndoLog undo;
+    first.SetUndoManager(&undo);
+    second.SetUndoManager(&undo);
+    second.StartTransaction(nullptr);
+    first.StartTransaction(nullptr);
+    first.EndTransaction(CC_VALUE, nullptr);
+    EXPECT_EQ(undo.text(), "4;0;4;3;3;") << "the other value's stays open";
+    second.EndTransaction(CC_LIMITS, nullptr);
+    EXPECT_EQ(undo.text(), "4;4;4;3;3;3;");
+
+    undo.commands.clear();
+    first.StartTransaction(nullptr);
+    undo.commands.clear(); // as a manager does that was reset meanwhile
+    first.EndTransaction(CC_VALUE, nullptr);
+    EXPECT_EQ(undo.text(), "3;");
+    first.SetUndoManager(nullptr);
+    second.SetUndoManager(nullptr);
+}
+
+// ------------------------------------------------------------------------------ life and death
+
+TEST(ValueBase, CopiesWhatItSaysAndComparesIt)
+{
+    CodeLog log;
+    TestValue from("name", VS_DISABLED);
+    from.AddObserver(&log);
+    from.SetFlagStore(true);
+    from.SetUpdateTimerTime(60000);
+    from.SetTranslationNamespace("Ns", nullptr);
+    from.CommandRecordingOn();
+    TestValue copy(from);
+    EXPECT_TRUE(copy.Compare(&from));
+    EXPECT_TRUE(copy.HasPropertyStore());
+    EXPECT_EQ(copy.GetUpdateTimerTime(), 60000U);
+    EXPECT_EQ(copy.GetTranslationNamespace(), "VdStr");
+    EXPECT_FALSE(copy.HasObservers());
+    EXPECT_FALSE(copy.IsCommandRecording());
+
+    EXPECT_FALSE(copy.Compare(nullptr));
+    const std::function<void(TestValue &)> differences[] = {
+        [](TestValue &v) { v.SetName("other", nullptr); },
+        [](TestValue &v) { v.SetState(VS_NORMAL, nullptr); },
+        [](TestValue &v) { v.SetFlagExport(true); },
+        [](TestValue &v) { v.SetUpdateTimerTime(0); },
+        [](TestValue &v) { v.SetLastCompletePathName(); }, // refreshes the type
+    };
+    for (const auto &differ : differences) {
+        TestValue other(from);
+        differ(other);
+        EXPECT_FALSE(other == from);
+    }
+}
+
+TEST(ValueBase, TimerOperationsExistToBeOverridden)
+{
+    TestValue value;
+    EXPECT_NE(value.SetUpdateTimerTime(60000), 0);
+    EXPECT_EQ(value.SetUpdateTimerTime(0), 0);
+    EXPECT_THROW(value.OnTimer(1), KRException);
+    EXPECT_THROW(value.OverrideTimer(1), KRException);
+    EXPECT_THROW(value.KillOverrideTimer(1), KRException);
+}
+
+TEST(ValueBase, TellsItsEndInOrder)
+{
+    CodeLog log;
+    std::vector<std::string> order;
+    Item item;
+    auto value = std::make_unique<TestValue>("name");
+    log.then = [&](Observable *, TChangeCode) {
+        order.push_back("observer, state " + std::to_string(value->GetState()));
+    };
+    value->AddObserver(&log);
+    value->BindNotifyDeleteFn([&](ValueBase *) { order.push_back("function"); });
+    value->SetDeleteObserver(&item);
+    EXPECT_EQ(value->GetPathName(), "/A/name");
+    value->SetLastCompletePathName();
+    value->StartTransaction(nullptr); // an open transaction must not hide the end
+    delete value.get();
+    static_cast<void>(value.release());
+    EXPECT_THAT(order, ElementsAre("observer, state 1", "function"));
+    EXPECT_EQ(LastDeletedObject::Instance().name, "/A/name");
+    EXPECT_EQ(LastDeletedObject::Instance().type, LastDeletedObject::ValueObjectType);
+    {
+        TestValue withoutPath("short");
+    }
+    EXPECT_EQ(LastDeletedObject::Instance().name, "short");
+}
+
+TEST(ValueBase, AutoDeleteGoesWithTheLastObserver)
+{
+    int deleted = 0;
+    CodeLog a, b;
+    const auto make = [&] {
+        auto *value = new TestValue;
+        value->SetAutoDelete(true);
+        value->BindNotifyDeleteFn([&](ValueBase *) { ++deleted; });
+        value->AddObserver(&a);
+        value->AddObserver(&b);
+        return value;
+    };
+    TestValue *value = make();
+    value->DeleteObserver(&a);
+    EXPECT_EQ(deleted, 0);
+    value->DeleteObserver(&b);
+    EXPECT_EQ(deleted, 1);
+    make()->DeleteObservers();
+    EXPECT_EQ(deleted, 2);
+
+    value = make();
+    value->CommandRecordingOn();
+    const auto leave = [&](Observable *subject, TChangeCode) {
+        subject->DeleteObserver(&a);
+        subject->DeleteObserver(&b);
+    };
+    a.then = leave;
+    value->HasChanged(CC_VALUE, nullptr); // goes in the middle of its own notification
+    EXPECT_EQ(deleted, 3);
+}
+
+// ------------------------------------------------------------------------------------ optimizers
+
+TEST(ValueBase, FeedsTheListOfAnOptimizer)
+{
+    struct Optimizer : CommandListOptimizer {
+        CommandList &GetCommands() override { return commands; }
+        void Clear() override { commands.clear(); }
+        bool IsSmoothing() const override { return smooths; }
+        std::string CreateCommandString(unsigned int mode) const override
+        {
+            return ValueBase::CreateCommandString(commands, mode);
+        }
+        CommandList commands;
+        bool smooths = false;
+    };
+    struct Smooth : TestValue {
+        using TestValue::OptimizeCommandList;
+        void OptimizeCommandList(CommandList &commands) override { commands.clear(); }
+    } value;
+    value.CommandRecordingOnForTransmission();
+    value.StartTransaction(nullptr);
+    auto own = std::make_shared<Optimizer>();
+    std::shared_ptr<CommandListOptimizer> optimizer = own, none;
+    value.UpdateOptimizersCommandList(optimizer);
+    EXPECT_EQ(value.GetOptimizedCommandString(optimizer, true, 0), "3;");
+    EXPECT_THAT(own->commands, IsEmpty());
+    value.UpdateOptimizersCommandList(optimizer);
+    own->smooths = true;
+    value.UpdateOptimizersCommandList(optimizer);
+    EXPECT_THAT(own->commands, IsEmpty()) << "the value's own reduction ran";
+    value.UpdateOptimizersCommandList(none);
+    EXPECT_EQ(value.GetOptimizedCommandString(none, true, 0), "");
+    EXPECT_EQ(value.GetCommandListForTransmission().size(), 1U);
+}
+
+} // namespace

@@ -1,0 +1,154 @@
+// Which thread may do what with a value, and how changes cross over to the application thread.
+#include "platform/base/errorhandler.h"
+#include "platform/base/kelmos.h"
+#include "valueclasses/notifydistinction.h"
+#include "valueclasses/testvalue.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <gmock/gmock.h>
+
+#include <memory>
+#include <thread>
+
+namespace {
+
+using namespace values;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+void runElsewhere(const std::function<void()> &work) { std::thread(work).join(); }
+
+TEST(ValueThreads, ANotificationArrivesOnTheApplicationThread)
+{
+    std::thread::id where;
+    CodeLog log; // outlives the value, whose end it is told
+    TestValue value;
+    log.then = [&](Observable *, TChangeCode) { where = std::this_thread::get_id(); };
+    value.AddObserver(&log);
+    runElsewhere([&] {
+        value.SetState(VS_DISABLED, nullptr);
+        value.HasChanged(CC_VALUE, nullptr);
+    });
+    EXPECT_EQ(value.GetState(), VS_DISABLED) << "stored at once";
+    EXPECT_THAT(log.codes, IsEmpty());
+    QCoreApplication::processEvents();
+    EXPECT_THAT(log.codes, ElementsAre(CC_STATE, CC_VALUE));
+    EXPECT_EQ(where, std::this_thread::get_id());
+}
+
+TEST(ValueThreads, ARecordedChangeIsPostedWhole)
+{
+    std::string commands;
+    CodeLog log;
+    TestValue value;
+    log.then = [&](Observable *, TChangeCode) {
+        commands += value.GetCommandStringForRecording(unsigned(-1));
+    };
+    value.AddObserver(&log);
+    value.CommandRecordingOn();
+    ErrorHandler::Instance().SetTraceMask(0);
+    runElsewhere([&] {
+        value.StartTransaction(nullptr);
+        value.SetState(VS_DISABLED, nullptr);
+        value.SetTranslationNamespace("Ns", nullptr);
+        value.EndTransaction(CC_VALUE, nullptr);
+        EXPECT_EQ(value.SetUpdateTimerTime(1000), 0);
+    });
+    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
+    EXPECT_EQ(value.GetState(), VS_NORMAL);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(value.GetState(), VS_DISABLED);
+    EXPECT_THAT(log.codes, ElementsAre(CC_VALUE));
+    EXPECT_EQ(commands, "3;1;2;7;Ns;4;3;");
+    EXPECT_EQ(value.GetUpdateTimerTime(), 1000U);
+}
+
+TEST(ValueThreads, WhatIsUnderWayDiesWithTheValue)
+{
+    CodeLog log;
+    auto value = std::make_unique<TestValue>();
+    value->AddObserver(&log);
+    runElsewhere([&] { value->HasChanged(CC_VALUE, nullptr); });
+    value.reset();
+    QCoreApplication::processEvents();
+    EXPECT_THAT(log.codes, ElementsAre(CC_STATE));
+}
+
+TEST(ValueThreads, ManyThreadsMayNotifyAtOnce)
+{
+    constexpr int kThreads = 4, kChanges = 200;
+    CodeLog log;
+    TestValue value;
+    value.AddObserver(&log);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; ++i)
+        threads.emplace_back([&] {
+            for (int change = 0; change < kChanges; ++change)
+                value.HasChanged(CC_VALUE, nullptr);
+        });
+    for (std::thread &thread : threads)
+        thread.join();
+    for (QElapsedTimer since; log.codes.size() < kThreads * kChanges;) {
+        if (!since.isValid())
+            since.start();
+        ASSERT_LT(since.elapsed(), 10000);
+        QCoreApplication::processEvents();
+    }
+}
+
+TEST(ValueThreads, IgnoresEventsOfOtherTypes)
+{
+    CodeLog log;
+    TestValue value;
+    value.AddObserver(&log);
+    NotifyDistinction distinction(&value);
+    QEvent other(QEvent::Type(1011));
+    QCoreApplication::sendEvent(&distinction, &other);
+    NotifyEvent event(CC_LIMITS, nullptr);
+    QCoreApplication::sendEvent(&distinction, &event);
+    EXPECT_THAT(log.codes, ElementsAre(CC_LIMITS));
+}
+
+class ValueThreadsDeath : public ::testing::Test {
+protected:
+    void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+};
+
+TEST_F(ValueThreadsDeath, DestroyingOnAWrongThreadEndsTheProcess)
+{
+    EXPECT_DEATH(runElsewhere([] { TestValue value("Gone"); }),
+                 "VTTHREADING: Destructing value from non-main thread. ValueName: Gone, ");
+}
+
+TEST_F(ValueThreadsDeath, NotifyingHereOnAWrongThreadEndsTheProcess)
+{
+    TestValue value;
+    EXPECT_DEATH(runElsewhere([&] { value.NotifyObserversDistinct(CC_VALUE, nullptr); }),
+                 "VTTHREADING: Notifying in non-main thread for Item : ");
+}
+
+TEST_F(ValueThreadsDeath, AValueMadeBeforeTheApplicationCanNotHandOver)
+{
+    // A process of its own in which the value comes first.
+    const auto lateApplication = [] {
+        QCoreApplication::instance()->~QCoreApplication(); // main()'s; it never gets there
+        TestValue early("Early");
+        int argc = 1;
+        char name[] = "test";
+        char *arguments[] = {name, nullptr};
+        const QCoreApplication app(argc, arguments);
+        runElsewhere([&] { early.HasChanged(CC_VALUE, nullptr); });
+    };
+    EXPECT_DEATH(lateApplication(),
+                 "The value \"Early\" of type \"TestValue\" is not able to notify its observers");
+}
+
+TEST(ValueThreads, ChecksAreWaivedWhileTheLibraryUnloads)
+{
+    Kelm::setUnloading(true);
+    runElsewhere([] { TestValue value; });
+    Kelm::setUnloading(false);
+}
+
+} // namespace
