@@ -48,6 +48,8 @@ public:
     std::optional<std::uint16_t> firstPixel(std::uint32_t channel) const;
     std::optional<std::uint16_t> lastPixel(std::uint32_t channel) const;
 
+    /// Pixels of the axis; 0 for a mapper that maps nothing.
+    std::size_t pixelCount() const { return m_pixelCount; }
     /// All runs, by rising channel index; channels outside the axis are in none.
     const std::vector<PixelRun> &runs() const { return m_runs; }
     /// The runs that touch the channels from \a first to \a last, inclusive.
@@ -58,6 +60,7 @@ private:
                   const axisDefinition &axis);
 
     std::vector<PixelRun> m_runs;
+    std::size_t m_pixelCount = 0;
 };
 
 } // namespace channelToPixel

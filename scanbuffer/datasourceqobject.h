@@ -1,13 +1,12 @@
 #pragma once
 
 #include "platform/base/export.h"
+#include "scanbuffer/idatasourceadapter.h"
 
 #include <QObject>
 #include <QString>
 
 namespace sbs {
-
-class IDataSourceAdapter;
 
 /// The signals of a data source, and the slot by which a window asks to be removed.
 class SPECTREE_EXPORT DataSourceQObject : public QObject {

@@ -68,7 +68,8 @@ private:
     std::unique_ptr<Server> m_server; // goes first: its adapters belong to the windows
 };
 
-#define SPECTREE_DECLARE(id, Y, Handler) extern template class ScanBufferDataSource<Y, Handler>;
+#define SPECTREE_DECLARE(id, Y, Handler)                                                           \
+    extern template class SPECTREE_EXPORT ScanBufferDataSource<Y, Handler>;
 SPECTREE_FOR_EACH_DATA_SOURCE(SPECTREE_DECLARE)
 #undef SPECTREE_DECLARE
 

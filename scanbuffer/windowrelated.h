@@ -69,6 +69,11 @@ public:
         return m_definition;
     }
 
+    /// Folds the channels from \a first to \a last, inclusive, into \a line; returns whether a
+    /// pixel was written.
+    bool DoScanTransition(const std::vector<Y> &samples, ScanDisplayLine<Y> &line,
+                          std::uint32_t first, std::uint32_t last);
+
     /// The rows that the adapters read, by ring index. \pre 0 <= index < LineCount()
     int LineCount() const { return m_ring.size(); }
     const std::vector<Y> &WaterfallYLine(int index) const { return m_ring.line(index).yValues; }
@@ -135,27 +140,36 @@ private:
     bool isReading() const { return m_visible && !m_minimized && !m_measureMode && !m_static; }
     int pixelCount() const { return m_xAxis.GetPixelCnt(); }
 
+    template <typename Kind>
+    std::shared_ptr<Kind> adopt(const std::shared_ptr<Adapter> &adapter);
+    void registerTimedAdapter(const std::shared_ptr<IDataSourceAdapter> &adapter);
+    void applyPendingXRange();
+    void cutToFrequencyResolution();
+
     // The pass.
     void runAdapters();
     bool isCurveDrawnByWaterfall(const Waterfall &waterfall, const ScanLine &scanLine) const;
     void optimizeYRange();
     void applyOptimizedRange(double low, double high);
-    bool hasNewLineSince(KRTimeStamp &seen) const;
+    bool takeNewestTime(KRTimeStamp &seen) const;
 
-    // The visit, under the read lock of the buffer.
+    // The visit.
     void visitForInitialization(const Access &access, std::uint64_t id);
-    void visitNewData(const Access &access, std::uint64_t from, std::uint64_t to);
-    void foldLine(const Access &access, std::uint64_t id, bool &finishedWithoutData);
-    void copyBufferSettings(const Access &access);
     void tellAdaptersNewAxis();
+    void copyBufferSettings(const Access &access);
+    void visitNewData(const Access &access, std::uint64_t from, std::uint64_t to);
+    void foldLine(const ChannelLine<Y, YHandler> &line, std::uint64_t id,
+                  bool &finishedWithoutData);
     void visitReload(const Access &access);
-    void applyPendingXRange();
-    void cutToFrequencyResolution();
+    void sendBatches(const Access &access, std::uint64_t first, std::uint64_t last,
+                     Waterfall &waterfall);
+    void foldWholeLine(const ChannelLine<Y, YHandler> &line, std::uint64_t id);
+    void widenByLines(double &low, double &high) const;
 
     // Cursors.
     int cursorLine() const;
     struct Point;
-    bool isLocalMax(const Point &before, const Point &point, const Point &after) const;
+    bool isAboveThresholdLine(const Point &point) const;
 
     std::shared_ptr<ScanBuffer<Y, YHandler>> m_scanBuffer;
     axisDefinition m_xAxis;
@@ -187,7 +201,8 @@ private:
     std::vector<KRTimeStamp> m_timesToDraw; // of the lines touched in this pass, newest first
     std::vector<int> m_linesToDraw;         // their ring indexes
 
-    std::optional<AxisData> m_pendingXRange;
+    bool m_xRangeChanged = true;
+    std::optional<AxisData> m_pendingXRange; // empty until the first SetXRange()
     struct Reload {
         bool requested = false, running = false;
         double start = 0.0, stop = 0.0;
@@ -200,9 +215,11 @@ private:
     std::weak_ptr<Waterfall> m_waterfallAdapter;
     std::weak_ptr<Statistics> m_statisticsAdapter;
     std::weak_ptr<IDataSourceAdapter> m_compressionAdapter;
+    std::vector<std::weak_ptr<IDataSourceAdapter>> m_xMarkerAdapters;
 };
 
-#define SPECTREE_DECLARE(Y, Handler) extern template class WindowRelated<Y, Handler>;
+#define SPECTREE_DECLARE(Y, Handler)                                                               \
+    extern template class SPECTREE_EXPORT WindowRelated<Y, Handler>;
 SPECTREE_FOR_EACH_SAMPLE_PAIR(SPECTREE_DECLARE)
 #undef SPECTREE_DECLARE
 

@@ -2,20 +2,21 @@
 
 #include "platform/axis/axisdefinition.h"
 #include "platform/base/instancecounter.h"
+#include "platform/base/types.h"
 #include "scanbuffer/compressiondetails.h"
 #include "scanbuffer/compressionhandler.h"
+#include "scanbuffer/idatasourceadapter.h"
 #include "scanbuffer/scanbuffersizemanagerclient.h"
 #include "scanbuffer/windowlevels.h"
+#include "valueclasses/channelrangedefinition.h"
 
 #include <QTimer>
 
-#include <atomic>
 #include <memory>
 #include <vector>
 
 namespace sbs {
 
-class IDataSourceAdapter;
 class ScanBufferQObject;
 class WindowInbox;
 
@@ -38,6 +39,9 @@ public:
     /// Takes over the news of \a buffer, on whatever thread it tells them, until the window goes.
     /// At most one note about data waits for the window at any time. Any thread.
     void listenTo(ScanBufferQObject *buffer);
+
+    /// Tells that the adapter goes.
+    void unregisterAdapter(const QByteArray &identity) override;
 
     /// Builds what depends on channels, axis and compression anew; nothing without channels.
     virtual void InitBuffer() = 0;
@@ -133,7 +137,7 @@ public Q_SLOTS:
     void slotSetWindowVisible(bool visible) { SetWindowVisible(visible); }
     void slotSetXRange(AxisData range) { SetXRange(range); }
     /// The time of the newest scan. Any thread.
-    void slotTimeStampNow(KRTimeStamp time) { m_latestTime.store(time, std::memory_order_relaxed); }
+    void slotTimeStampNow(KRTimeStamp time);
     void slotReload(double x1, double x2, KRTimeStamp time, KRTimeStamp unused, std::int32_t count,
                     std::int32_t second);
 
@@ -160,6 +164,7 @@ protected:
     /// Null before the window's thread runs.
     const CompressionDetails *details() const;
     void startTimers();
+    void setIntervals();
     void stopTimers();
     /// Lets the next turn of the event loop run a pass; the timers are served before it.
     void postPass();
@@ -182,17 +187,16 @@ protected:
 
 private:
     void onReadTimer();
-    void setIntervals();
     bool isReadTimerDue() const;
     void compressionSettingsChanged(bool raised);
 
     const QString m_winGUID;
     const std::shared_ptr<WindowInbox> m_inbox;
+    std::vector<QMetaObject::Connection> m_connections; // to the buffer
     QTimer m_readTimer, m_xRulerTimer, m_systemInfoTimer;
     std::uint32_t m_settingsVersion = 0;
     std::unique_ptr<CompressionHandler> m_compression; // lives on the window's thread
     double m_traffic = 0.0;
-    std::atomic<KRTimeStamp> m_latestTime{0};
     KRTimeStamp m_previousTrafficTime = 0;
 };
 

@@ -1,0 +1,8 @@
+#include "scanbuffer/datasourceqobject.h"
+
+namespace sbs {
+
+DataSourceQObject::DataSourceQObject() = default;
+DataSourceQObject::~DataSourceQObject() = default;
+
+} // namespace sbs

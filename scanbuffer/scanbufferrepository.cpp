@@ -1,0 +1,32 @@
+#include "scanbuffer/scanbufferrepository.h"
+
+namespace sbs {
+
+ScanBufferRepository &ScanBufferRepository::instance()
+{
+    static ScanBufferRepository repository;
+    return repository;
+}
+
+void ScanBufferRepository::addSource(const QString &guid, DataSourceQObject *source)
+{
+    const Kelm::MutexLocker locker(m_mutex);
+    m_sources[guid] = source;
+}
+
+void ScanBufferRepository::removeSource(const QString &guid, DataSourceQObject *source)
+{
+    const Kelm::MutexLocker locker(m_mutex);
+    const auto found = m_sources.find(guid);
+    if (found != m_sources.end() && found->second == source)
+        m_sources.erase(found);
+}
+
+DataSourceQObject *ScanBufferRepository::getSource(const QString &guid) const
+{
+    const Kelm::MutexLocker locker(m_mutex);
+    const auto found = m_sources.find(guid);
+    return found != m_sources.end() ? found->second : nullptr;
+}
+
+} // namespace sbs
