@@ -12,12 +12,12 @@
 namespace monitor {
 namespace {
 
-constexpr int kTickMs = 50;
+constexpr int kTickMs = 20;
 constexpr double kAxisRequestSeconds = 0.2;
 constexpr double kProgressSeconds = 5.0;
 constexpr std::size_t kPeaks = 200;
 
-/// The first line of a key file that is neither empty nor a comment.
+/// The first key of a file, in which # begins a comment.
 QString readKey(const QString &path)
 {
     QFile file(path);
@@ -26,9 +26,10 @@ QString readKey(const QString &path)
             Failure::Runtime,
             QStringLiteral("Cannot read the key file \"%1\": %2.").arg(path, file.errorString()));
     while (!file.atEnd()) {
-        const QString line = QString::fromUtf8(file.readLine(4096)).trimmed();
-        if (!line.isEmpty() && !line.startsWith(QLatin1Char('#')))
-            return line;
+        const QString line = QString::fromUtf8(file.readLine(4096));
+        const QString key = line.section(QLatin1Char('#'), 0, 0).trimmed();
+        if (!key.isEmpty())
+            return key;
     }
     throw Failure(Failure::Runtime, QStringLiteral("The key file \"%1\" holds no key.").arg(path));
 }
@@ -137,7 +138,7 @@ void Session::refused(Adapter_Type type, const QString &reason)
 void Session::askForAxis(const AxisData &axis)
 {
     m_xAxis.sendCommandOverConnector(MYData<AxisData>(axis, MDT_XAxis));
-    m_axisRequestedAt = 0.0;
+    m_axisRequestedAt = 0.0; // ask at the next tick whether it is in force
 }
 
 void Session::acknowledgeChannels(int id)
@@ -236,10 +237,10 @@ QString Session::nothingCame() const
 {
     const QString waited = seconds(std::round((monotonicSeconds() - m_startedAt) * 10.0) / 10.0);
     if (!m_everReady)
-        return QStringLiteral("No server answers at %1 within %2%3. Check that it runs there, and "
-                              "that address, port and keys are right.")
-            .arg(m_options.endpoint, waited,
-                 m_reason.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(m_reason));
+        return QStringLiteral("%1; gave up after %2. Check that the server runs there, and that "
+                              "address, port and keys are right.")
+            .arg(m_reason.isEmpty() ? m_options.endpoint + QStringLiteral(": no answer") : m_reason,
+                 waited);
     if (!m_window.hasChannels())
         return QStringLiteral("The server at %1 told no channels within %2. Check that it has an "
                               "input, or wait longer.")
