@@ -1,6 +1,7 @@
 #pragma once
 
 // Folding stored scans anew for the waterfall, under the buffer's read lock.
+#include "scanbuffer/waterfallrows_impl.h"
 #include "scanbuffer/windowpass_impl.h"
 
 #include <algorithm>
