@@ -1,0 +1,293 @@
+#include "platform/base/bytes.h"
+#include "scanbuffer/mdatatypes.h"
+#include "scanbuffer/scanbuffer_connector_scanline.h"
+#include "scanbuffer/scanbuffer_connector_statistics.h"
+#include "scanbuffer/scanbuffer_connector_waterfall.h"
+#include "scanbuffer/scanbuffer_connector_xrange.h"
+#include "scanbuffer/scanbuffer_connector_yrange.h"
+#include "scanbuffer/windowrelated.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace {
+
+using sbs::SendMode;
+using values::Bearing;
+using values::BearingHandler;
+using values::levelHandler;
+
+/// Keeps what an adapter sends, parsed.
+struct Sent : sbs::AdapterLink {
+    struct Message {
+        SendMode mode;
+        std::unique_ptr<MData> data;
+    };
+    void send(SendMode mode, const QByteArray &message) override
+    {
+        messages.push_back({mode, MData::FromBinary(message.constData(), message.size())});
+    }
+    std::vector<Message> messages;
+};
+
+/// A window on this thread over a buffer of three channels, a pixel each, with one adapter.
+template <template <typename, typename> class Adapter, typename Y = short,
+          typename YHandler = levelHandler>
+struct Rig {
+    Rig()
+    {
+        values::ChannelRangeDefinition definition;
+        definition.AddRangeDefinition(1, 3u, 0.5, 1.0, QString());
+        buffer->setSizeManagerActive(false);
+        buffer->setChannelRangeDefinition(definition);
+        window.slotWorkerThreadStarted();
+        window.SetXRange({0.0, 3.0, 3, 0, 0.0});
+        adapter->attach(sent);
+        window.registerAdapter(adapter);
+        sent->messages.clear();
+    }
+
+    /// Stores one scan and lets the window read it; returns the ring index of its line.
+    int scan(const std::vector<Y> &samples)
+    {
+        buffer->addTimeStamp(time += 1000000);
+        buffer->addSpectralData({0, std::uint32_t(samples.size()), samples.data()});
+        buffer->endOfScan();
+        window.readNewData();
+        return window.GetCurrentLine();
+    }
+    void command(const MData &message) { adapter->slotCommand(message); }
+    template <typename Message>
+    const Message &last(SendMode mode, MDataType type) const
+    {
+        EXPECT_FALSE(sent->messages.empty());
+        EXPECT_EQ(int(sent->messages.back().mode), int(mode));
+        EXPECT_EQ(sent->messages.back().data->GetType(), type);
+        return dynamic_cast<const Message &>(*sent->messages.back().data);
+    }
+    std::size_t count() const { return sent->messages.size(); }
+
+    std::shared_ptr<sbs::ScanBuffer<Y, YHandler>> buffer = sbs::ScanBuffer<Y, YHandler>::create();
+    sbs::WindowRelated<Y, YHandler> window{buffer, QStringLiteral("window"), nullptr};
+    std::shared_ptr<Sent> sent = std::make_shared<Sent>();
+    std::shared_ptr<Adapter<Y, YHandler>> adapter =
+        std::make_shared<Adapter<Y, YHandler>>(nullptr, "one");
+    KRTimeStamp time = 0;
+};
+
+MYData<bool> flag(MDataType type, bool value) { return {value, type}; }
+MYData<short> dimension(short value) { return {value, MDT_Dimension}; }
+
+std::vector<double> levels(const MDataByteArray &message)
+{
+    const QByteArray bytes = message.GetValue();
+    std::vector<double> values;
+    for (const char *at = bytes.constData(); at < bytes.constData() + bytes.size();)
+        values.push_back(Kelm::readLittleEndian<double>(&at));
+    return values;
+}
+
+TEST(Adapters, DropWhatDoesNotParse)
+{
+    Rig<sbs::ScanBufferAdapter_Waterfall> rig;
+    for (const QByteArray &bad : {QByteArray(), QByteArray("\x0a\0\0\0", 4),
+                                  QByteArray("\xff\xff\xff\xff;"), QByteArray("\x0a\0\0\0\0,", 6)})
+        EXPECT_NO_THROW(rig.adapter->slotCommand(bad));
+    // A carrier that doesn't belong to its type, made in this process.
+    EXPECT_NO_THROW(rig.adapter->SetParameter(MYData<double>(0, MDT_WindowVisible)));
+    EXPECT_TRUE(rig.adapter->IsVisible());
+    rig.command(dimension(3));
+    EXPECT_EQ(rig.adapter->GetDimension(), 0) << "levels have one dimension";
+    EXPECT_EQ(rig.count(), 0u);
+}
+
+TEST(Adapters, WithoutAWindowTheyAreSilent)
+{
+    const auto sent = std::make_shared<Sent>();
+    sbs::ScanBufferAdapter_Waterfall<short, levelHandler> waterfall(nullptr, "a");
+    sbs::ScanBufferAdapter_XRange<short, levelHandler> xRange(nullptr, "b");
+    sbs::ScanBufferAdapter_Statistics<short, levelHandler> statistics(nullptr, "c");
+    waterfall.attach(sent);
+    xRange.attach(sent);
+    statistics.attach(sent);
+    waterfall.process({0}, {1}, 3, 1, false, false, 0);
+    waterfall.slotRequestFullStateUpdate();
+    waterfall.SetParameter(flag(MDT_MeasureMode, true));
+    xRange.slotRequestFullStateUpdate();
+    xRange.SetParameter(flag(MDT_WindowVisible, false));
+    statistics.process();
+    EXPECT_TRUE(sent->messages.empty());
+}
+
+TEST(WaterfallAdapter, SendsRowsWithTheirTimeAndCountsThem)
+{
+    Rig<sbs::ScanBufferAdapter_Waterfall> rig;
+    rig.window.SetYRange(0, 100, 0);
+    rig.scan({0, 500, 1000});
+    const auto &rows = rig.last<MDataWaterfall>(SendMode::massdata, MDT_WaterfallLines);
+    EXPECT_EQ(rows.size(), QSize(3, 1));
+    EXPECT_EQ(rows.GetTime(), std::vector<KRTimeStamp>{1000000});
+    EXPECT_EQ(rows.GetString(), std::string("\x00\x7f\xff", 3)) << "255 steps: 127/255";
+
+    const std::size_t before = rig.count();
+    rig.command(flag(MDT_WindowVisible, false));
+    rig.scan({1, 2, 3});
+    EXPECT_EQ(rig.count(), before);
+    rig.command(flag(MDT_WindowVisible, true));
+    rig.scan({1, 2, 3});
+    EXPECT_EQ(rig.count(), before + 1);
+    EXPECT_FALSE(rig.adapter->connectionLost());
+}
+
+TEST(WaterfallAdapter, HandsParametersOnAndTellsItsState)
+{
+    Rig<sbs::ScanBufferAdapter_Waterfall, Bearing, BearingHandler> rig;
+    rig.command(dimension(4));
+    EXPECT_EQ(rig.adapter->GetDimension(), 4);
+    rig.command(MYData<KRTimeStamp>(77, MDT_TimeLine));
+    EXPECT_EQ(rig.window.GetTimeLine(), 77u);
+    rig.command(flag(MDT_MeasureMode, true));
+    EXPECT_TRUE(rig.window.GetMeasureMode());
+
+    rig.adapter->slotRequestFullStateUpdate();
+    const auto &state = rig.last<MDataContainer>(SendMode::fullState, MDT_Container);
+    ASSERT_EQ(state.GetAdditional(), 2);
+    const auto axis = state.getMData(0), range = state.getMData(1);
+    EXPECT_EQ(dynamic_cast<MYData<AxisData> &>(*axis).GetValue(),
+              rig.window.GetXAxis().GetAxisDefinitionSet(true));
+    const auto &y = dynamic_cast<MXYZData<double, double, short> &>(*range);
+    EXPECT_EQ(y.GetValue(), 0);
+    EXPECT_EQ(y.YValue(), 90);
+    EXPECT_EQ(y.ZValue(), 4);
+
+    rig.adapter->slotStartStopRecalculated(1, 2, 3);
+    using Range = MXYZData<double, double, short>;
+    EXPECT_EQ(rig.last<Range>(SendMode::incrementalState, MDT_YRange).YValue(), 2);
+    rig.adapter->sendXAxisDefinitionSet();
+    rig.last<MYData<AxisData>>(SendMode::incrementalState, MDT_XAxis);
+}
+
+TEST(CurveAdapter, SendsExactLevels)
+{
+    Rig<sbs::ScanBufferAdapter_ScanLine> rig;
+    const int line = rig.scan({-1, levelHandler::Minimum(), 1234});
+    const auto sent = levels(rig.last<MDataByteArray>(SendMode::massdata, MDT_CurvePixels));
+    ASSERT_EQ(sent.size(), 3u);
+    EXPECT_EQ(sent[0], -0.1);
+    EXPECT_TRUE(std::isnan(sent[1]));
+    EXPECT_EQ(sent[2], 123.4);
+
+    const std::size_t before = rig.count();
+    rig.command(flag(MDT_FirstCurveVisible, false));
+    rig.adapter->process({line}, 3, false);
+    EXPECT_EQ(rig.count(), before);
+    rig.command(flag(MDT_FirstCurveVisible, true));
+    rig.command(flag(MDT_WindowVisible, false));
+    rig.adapter->process({line}, 3, false);
+    rig.command(flag(MDT_WindowVisible, true));
+    rig.adapter->process({}, 3, false);
+    EXPECT_EQ(rig.count(), before);
+    rig.adapter->slotRequestFullStateUpdate();
+    EXPECT_EQ(rig.last<MYData<AxisData>>(SendMode::fullState, MDT_XAxis).GetValue().pixelCount, 3);
+}
+
+TEST(CurveAdapter, TwoDimensionsAreTwoCurves)
+{
+    Rig<sbs::ScanBufferAdapter_ScanLine, Bearing, BearingHandler> rig;
+    rig.command(MYData<short>(3, MDT_SecondDimension));
+    rig.command(flag(MDT_SecondCurveVisible, true));
+    EXPECT_TRUE(rig.adapter->Get2ndCurveVisible());
+    Bearing sample;
+    sample.level = 5000;
+    sample.azimuth = 9000;
+    sample.quality = 1;
+    Bearing none = sample;
+    none.quality = 0;
+    rig.scan({sample, none, Bearing{}});
+    ASSERT_EQ(rig.count(), 2u);
+    const auto &first = dynamic_cast<const MDataByteArray &>(*rig.sent->messages[0].data);
+    const auto &second = rig.last<MDataByteArray>(SendMode::massdata, MDT_CurvePixels);
+    EXPECT_EQ(first.GetAdditional(), 0);
+    EXPECT_EQ(levels(first)[1], 50.0);
+    EXPECT_EQ(second.GetAdditional(), 1);
+    EXPECT_EQ(levels(second)[0], 90.0);
+    EXPECT_EQ(levels(second)[1], -1.0);
+    EXPECT_TRUE(std::isnan(levels(second)[2]));
+}
+
+TEST(XRangeAdapter, TakesTheAxisAndTellsTheChannels)
+{
+    Rig<sbs::ScanBufferAdapter_XRange> rig;
+    rig.command(MYData<short>(-7, MDT_Echo));
+    EXPECT_EQ(rig.last<MYData<short>>(SendMode::massdataStateIndependent, MDT_Echo).GetValue(), -7);
+
+    rig.adapter->SendChannelRangeDefinition();
+    const int id = rig.last<MDataChannelRangeDefinition>(SendMode::incrementalState,
+                                                         MDT_ChannelRangeDefinition)
+                       .getId();
+    EXPECT_FALSE(rig.adapter->IsAcknowledged());
+    rig.command(MYData<int>(id, MDT_ChannelRangeAcknowledged));
+    EXPECT_TRUE(rig.adapter->IsAcknowledged());
+
+    rig.adapter->slotRequestFullStateUpdate();
+    const auto &state = rig.last<MDataContainer>(SendMode::fullState, MDT_Container);
+    EXPECT_EQ(state.getMData(0)->GetType(), MDT_XAxis);
+    const auto channels = state.getMData(1);
+    const auto &definition = dynamic_cast<MDataChannelRangeDefinition &>(*channels);
+    EXPECT_EQ(definition.getId(), id + 1);
+    EXPECT_EQ(definition.asChannelRangeDefinition(), rig.window.GetChannelRangeDefinition());
+
+    rig.command(MYData<AxisData>({1.0, 2.0, 5, 0, 0.0}, MDT_XAxis));
+    EXPECT_EQ(rig.window.GetXAxis().GetPixelCnt(), 5);
+    rig.command(flag(MDT_UseAxisCalculatorForWidget, true));
+    EXPECT_TRUE(rig.window.GetUseAxisCalculatorForWidget());
+    rig.command(flag(MDT_WindowMinimized, true));
+    EXPECT_TRUE(rig.window.GetWindowMinimized());
+    rig.command(flag(MDT_WindowVisible, false));
+    EXPECT_FALSE(rig.window.GetWindowVisible());
+}
+
+TEST(YRangeAdapter, SetsAndTellsTheRangeOfItsDimension)
+{
+    using Range = MXYZData<double, double, short>;
+    Rig<sbs::ScanBufferAdapter_YRange, Bearing, BearingHandler> rig;
+    rig.command(Range(10, -10, 5, MDT_YRange));
+    EXPECT_EQ(rig.window.GetYRange(5), std::pair(10.0, -10.0));
+    rig.command(Range(std::nan(""), 1, 5, MDT_YRange));
+    EXPECT_EQ(rig.window.GetYRange(5), std::pair(10.0, -10.0));
+
+    rig.command(dimension(4));
+    short asked = -1;
+    QObject::connect(&rig.window, &sbs::WindowRelatedQObject::signalYRangeRecalculated,
+                     [&asked](short which) { asked = which; });
+    rig.command(MDataId(MDT_RecalculateYRange));
+    EXPECT_EQ(asked, 4);
+    Q_EMIT rig.window.signalStartStopRecalculated(1, 2, 0);
+    EXPECT_EQ(rig.count(), 0u) << "of another dimension";
+    Q_EMIT rig.window.signalStartStopRecalculated(1, 2, 4);
+    EXPECT_EQ(rig.last<Range>(SendMode::massdataStateIndependent, MDT_YRange).ZValue(), 4);
+}
+
+TEST(StatisticsAdapter, TellsRateRowsAndTraffic)
+{
+    Rig<sbs::ScanBufferAdapter_Statistics> rig;
+    rig.adapter->slotScansPerSecond(12.5);
+    EXPECT_EQ(rig.adapter->GetScansPerSecond(), 12.5);
+    rig.window.slotTimeStampNow(1000000);
+    rig.adapter->process();
+    ASSERT_EQ(rig.count(), 3u);
+    const auto mode = SendMode::massdataStateIndependent;
+    EXPECT_EQ(rig.last<MYData<double>>(mode, MDT_Traffic).GetValue(), 0);
+    const MData &rate = *rig.sent->messages[0].data, &rows = *rig.sent->messages[1].data;
+    EXPECT_EQ(rate.GetType(), MDT_ScansPerSecond);
+    EXPECT_EQ(dynamic_cast<const MYData<double> &>(rate).GetValue(), 12.5);
+    EXPECT_EQ(rows.GetType(), MDT_WaterfallScansPerLine);
+    EXPECT_EQ(dynamic_cast<const MYData<unsigned short> &>(rows).GetValue(), 1);
+    rig.window.AddTraffic(500);
+    rig.window.slotTimeStampNow(3000000);
+    rig.adapter->process();
+    EXPECT_EQ(rig.last<MYData<double>>(mode, MDT_Traffic).GetValue(), 250) << "bytes a second";
+}
+
+} // namespace
