@@ -15,8 +15,6 @@
 
 namespace sbs {
 
-class ServerCore;
-
 /// What a server listens on, whom it lets in, and its limits.
 struct SPECTREE_EXPORT ServerOptions {
     /// tcp://address:port (`*` for any), or ipc://path.
@@ -80,7 +78,8 @@ public:
     static bool isLoopback(const QByteArray &endpoint);
 
 private:
-    std::shared_ptr<ServerCore> m_core;
+    class Inside;
+    std::unique_ptr<Inside> m_d;
 };
 
 } // namespace sbs

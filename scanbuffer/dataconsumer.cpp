@@ -1,0 +1,73 @@
+#include "scanbuffer/dataconsumer.h"
+
+#include "platform/base/errorhandler.h"
+#include "platform/base/krexception.h"
+#include "platform/transmission/consumerconnector.h"
+#include "platform/transmission/consumergroup.h"
+#include "scanbuffer/mdata.h"
+
+#include <exception>
+
+DataConsumerQObject::DataConsumerQObject(DataConsumer &consumer) : m_consumer(consumer) {}
+DataConsumerQObject::~DataConsumerQObject() = default;
+
+void DataConsumerQObject::onDataReceived(QByteArray data)
+{
+    try {
+        if (const auto message = MData::FromBinary(data.constData(), data.size()))
+            m_consumer.handleData(*message);
+        else
+            SPECTREE_TRACE(TraceWarnings,
+                           QStringLiteral("A consumer of \"%1\" dropped a malformed message")
+                               .arg(QString::fromUtf8(sbs::adapterName(m_consumer.m_type))));
+    } catch (const std::exception &error) {
+        SPECTREE_TRACE(TraceWarnings,
+                       QStringLiteral("A consumer of \"%1\" dropped a message: %2")
+                           .arg(QString::fromUtf8(sbs::adapterName(m_consumer.m_type)),
+                                QString::fromUtf8(error.what())));
+    }
+}
+
+void DataConsumerQObject::onAdapterReady() { m_consumer.handleAdapterReady(); }
+
+DataConsumer::DataConsumer(Adapter_Type type)
+    : m_type(type), m_qobject(std::make_unique<DataConsumerQObject>(*this))
+{
+}
+
+DataConsumer::~DataConsumer() = default;
+
+std::shared_ptr<zmq::context_t> DataConsumer::getContext()
+{
+    return sbs::ConsumerGroup::sharedContext();
+}
+
+void DataConsumer::registerAtGroup(sbs::ConsumerGroup &group)
+{
+    const QByteArray name = sbs::adapterName(m_type);
+    if (name.isEmpty())
+        throw KRException(QStringLiteral("No adapter kind has the number %1.").arg(int(m_type)),
+                          __FILE__, "DataConsumer", "registerAtGroup", __LINE__);
+    auto connector = std::make_unique<sbs::ConsumerConnector>(nullptr, name, group.getAddress(),
+                                                              group.getContext());
+    using sbs::ConsumerConnector;
+    QObject::connect(connector.get(), &ConsumerConnector::signalMassdata, m_qobject.get(),
+                     &DataConsumerQObject::onDataReceived);
+    QObject::connect(connector.get(), &ConsumerConnector::signalStateUpdate, m_qobject.get(),
+                     &DataConsumerQObject::onDataReceived);
+    QObject::connect(connector.get(), &ConsumerConnector::signalAdapterReady, m_qobject.get(),
+                     &DataConsumerQObject::onAdapterReady);
+    connector->join(group);
+    m_connector = std::move(connector);
+}
+
+void DataConsumer::sendCommandOverConnector(const QByteArray &command)
+{
+    if (m_connector)
+        m_connector->sendCommand(command);
+    else
+        SPECTREE_TRACE(TraceWarnings,
+                       QStringLiteral("A consumer without a group dropped its command"));
+}
+
+void DataConsumer::handleAdapterReady() {}

@@ -1,0 +1,145 @@
+#include "platform/transmission/frames_p.h"
+#include "transmission_rig.h"
+
+#include <gtest/gtest.h>
+#include <zmq.hpp>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace rig;
+using namespace sbs::frames;
+
+/// A peer that says what it likes.
+class RawPeer {
+public:
+    explicit RawPeer(const QByteArray &endpoint)
+        : m_context(sbs::ConsumerGroup::sharedContext()),
+          m_socket(*m_context, zmq::socket_type::dealer)
+    {
+        m_socket.set(zmq::sockopt::linger, 0);
+        m_socket.set(zmq::sockopt::rcvtimeo, 3000);
+        m_socket.connect(endpoint.constData());
+    }
+    void say(const std::vector<std::string> &parts)
+    {
+        for (std::size_t i = 0; i < parts.size(); ++i)
+            m_socket.send(zmq::buffer(parts[i]),
+                          i + 1 < parts.size() ? zmq::send_flags::sndmore : zmq::send_flags::none);
+    }
+    void sayHello(std::uint32_t credits = 1)
+    {
+        say({encode(Hello{kVersion, credits, "w", "Echo", "raw"})});
+    }
+    /// The next frame of type T; what else comes is passed over.
+    template <typename T>
+    std::optional<T> expect()
+    {
+        zmq::message_t part;
+        while (m_socket.recv(part)) {
+            const auto frame = parseFromServer(part.data<char>(), part.size());
+            while (part.more())
+                (void)m_socket.recv(part);
+            if (frame && std::holds_alternative<T>(*frame))
+                return std::get<T>(*frame);
+        }
+        return std::nullopt;
+    }
+
+private:
+    std::shared_ptr<zmq::context_t> m_context;
+    zmq::socket_t m_socket;
+};
+
+TEST(TransmissionHostile, MalformedFramesAreCountedAndReachNoAdapter)
+{
+    Windows windows;
+    const auto server = makeServer(windows);
+    RawPeer peer(server->getEndpoint());
+    const std::vector<std::vector<std::string>> junk = {
+        {""},
+        {"GET / HTTP/1.1"},
+        {std::string(100000, '\x01')},
+        {encode(Hello{kVersion, 1, "", "Echo", "t"})},
+        {encode(FromConsumer(Hello{kVersion, 1, "w", "Echo", "t"})) + "x"},
+        {encode(FromConsumer(Command{}))},                // without its message
+        {encode(FromConsumer(Heartbeat{})), "a message"}, // with one that it hasn't
+        {"a", "b", "c", "d"},
+        std::vector<std::string>(100, "part"),
+    };
+    for (const auto &parts : junk)
+        peer.say(parts);
+    peer.say({encode(FromConsumer(Command{})), "no hello yet"});
+    EXPECT_TRUE(peer.expect<Farewell>());
+    EXPECT_EQ(server->statistics().rejectedFrames, junk.size() + 1);
+    EXPECT_EQ(windows.m_made, 0);
+    peer.sayHello();
+    ASSERT_TRUE(peer.expect<State>());                   // and it is still served when it behaves
+    peer.sayHello();                                     // twice on one connection
+    peer.say({encode(FromConsumer(Progress{1, 1000}))}); // a state that was never sent
+    peer.say({encode(FromConsumer(Progress{1ull << 60, 0}))}); // credits without end
+    EXPECT_TRUE(waitFor([&] { return server->statistics().rejectedFrames == junk.size() + 4; }));
+}
+
+TEST(TransmissionHostile, AnotherProtocolVersionIsRefused)
+{
+    Windows windows;
+    const auto server = makeServer(windows);
+    RawPeer peer(server->getEndpoint());
+    Hello hello{kVersion + 1, 1, "w", "Echo", "t"};
+    peer.say({encode(hello) + "and what that version may add"});
+    const auto refused = peer.expect<Refused>();
+    ASSERT_TRUE(refused);
+    EXPECT_TRUE(refused->final);
+}
+
+TEST(TransmissionHostile, ASilentPeersAdapterGoes)
+{
+    Windows windows;
+    const auto server = makeServer(windows);
+    RawPeer peer(server->getEndpoint());
+    peer.sayHello();
+    ASSERT_TRUE(peer.expect<Ready>());
+    const auto farewell = peer.expect<Farewell>();
+    ASSERT_TRUE(farewell);
+    EXPECT_EQ(farewell->reason, "The consumer was silent");
+    EXPECT_TRUE(waitFor([&] { return windows.m_released == 1; }));
+}
+
+TEST(TransmissionHostile, APeerThatTakesInNoStateIsDisconnected)
+{
+    Windows windows;
+    sbs::ServerOptions options = fastOptions();
+    options.maxUnseenStates = 10;
+    const auto server = makeServer(windows, options);
+    RawPeer peer(server->getEndpoint());
+    peer.sayHello();
+    ASSERT_TRUE(peer.expect<State>());
+    windows.createOrGet(QStringLiteral("w"))->withAdapters([](sbs::Adapter &adapter) {
+        for (int i = 0; i < 20; ++i)
+            adapter.sendIncrementalStateUpdate("change");
+    });
+    EXPECT_TRUE(waitFor([&] { return server->statistics().consumers == 0; }));
+}
+
+TEST(TransmissionHostile, AKilledConsumerIsReplacedWhenItComesBack)
+{
+    Windows windows;
+    const auto server = makeServer(windows);
+    {
+        RawPeer killed(server->getEndpoint());
+        killed.sayHello();
+        ASSERT_TRUE(killed.expect<Ready>());
+    }
+    RawPeer back(server->getEndpoint());
+    back.sayHello(); // the same token, before the server has missed the first
+    ASSERT_TRUE(back.expect<Ready>());
+    EXPECT_LE(server->statistics().consumers, 1u);
+    Controller *const window = windows.createOrGet(QStringLiteral("w"));
+    EXPECT_TRUE(waitFor([&] { return window->m_unregistered == 1; }));
+    EXPECT_EQ(window->m_registered, 2);
+}
+
+} // namespace
