@@ -8,6 +8,7 @@
 #include <QReadWriteLock>
 
 #include <mutex>
+#include <type_traits>
 #include <utility>
 
 /// Locks and posts between threads. They behave like Qt's and the standard library's, and tell
@@ -88,19 +89,34 @@ private:
     ReadWriteLock &m_lock;
 };
 
+namespace Detail {
+/// Work in the queue of another thread. It releases and acquires its own address, from where it
+/// was put last, since every byte of it is handed over.
+template <typename Work>
+class PostedWork {
+public:
+    explicit PostedWork(Work work) : m_work(std::move(work)) {}
+    PostedWork(PostedWork &&other) : m_work(std::move(other.m_work)) { syncRelease(this); }
+    ~PostedWork() { syncAcquire(this); }
+    void operator()()
+    {
+        syncAcquire(this);
+        m_work();
+    }
+
+private:
+    Work m_work;
+};
+} // namespace Detail
+
 /// Runs \a work on the thread of \a receiver, later, in the order of the posts. Dropped unrun when
 /// the receiver is destroyed first. Any thread may call it while the receiver lives.
 template <typename Work>
 void post(QObject *receiver, Work &&work)
 {
-    syncRelease(receiver);
-    QMetaObject::invokeMethod(
-        receiver,
-        [receiver, task = std::forward<Work>(work)]() mutable {
-            syncAcquire(receiver);
-            task();
-        },
-        Qt::QueuedConnection);
+    QMetaObject::invokeMethod(receiver,
+                              Detail::PostedWork<std::decay_t<Work>>(std::forward<Work>(work)),
+                              Qt::QueuedConnection);
 }
 
 } // namespace Kelm
