@@ -168,7 +168,9 @@ bool ServerCore::service()
     const auto now = Clock::now();
     lookAfterSessions(now);
     releaseWindows(now);
-    return more;
+    // The answers sent meanwhile may have taken in what the descriptor announced.
+    const Kelm::MutexLocker lock(m_mutex);
+    return more || (m_socket.get(zmq::sockopt::events) & ZMQ_POLLIN) != 0;
 }
 
 bool ServerCore::receiveBatch(std::vector<Parts> &batch)
