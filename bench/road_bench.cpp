@@ -34,6 +34,7 @@ void loads(benchmark::internal::Benchmark *bench)
 }
 
 BENCHMARK_CAPTURE(scans, bare, road::makeBareRoad)->Apply(loads);
+BENCHMARK_CAPTURE(scans, spectree, road::makeSpectreeRoad)->Apply(loads);
 BENCHMARK_CAPTURE(scans, qt, road::makeQtRoad)->Apply(loads);
 BENCHMARK_CAPTURE(scans, qt_folded, road::makeFoldedQtRoad)->Apply(loads);
 

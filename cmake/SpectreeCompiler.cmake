@@ -40,3 +40,8 @@ if(SPECTREE_SANITIZE)
         add_compile_options(-Wno-tsan)
     endif()
 endif()
+
+if(SPECTREE_BUILD_FUZZ)
+    # Coverage of the library itself, not only of the target's own file, guides the fuzzer.
+    add_compile_options(-fsanitize=fuzzer-no-link)
+endif()

@@ -40,22 +40,19 @@ bool nearlyEqual(double a, double b)
 
 ChannelRange::ChannelRange(unsigned int firstChannelId, unsigned int channelCount,
                            double firstCenterFrequency, double frequencyStep, QString name)
-    : m_firstChannelId(firstChannelId)
-    , m_channelCount(countThatFits(firstChannelId, channelCount))
-    , m_firstCenterFrequency(firstCenterFrequency)
-    , m_frequencyStep(frequencyStep)
-    , m_name(std::move(name))
+    : m_firstChannelId(firstChannelId), m_channelCount(countThatFits(firstChannelId, channelCount)),
+      m_firstCenterFrequency(firstCenterFrequency), m_frequencyStep(frequencyStep),
+      m_name(std::move(name))
 {
 }
 
 ChannelRange::ChannelRange(unsigned int firstChannelId, double startFrequency, double frequencyStep,
                            double stopFrequency, QString name)
-    : m_firstChannelId(firstChannelId)
-    , m_channelCount(
-          countThatFits(firstChannelId, countOfSpan(startFrequency, frequencyStep, stopFrequency)))
-    , m_firstCenterFrequency(startFrequency)
-    , m_frequencyStep(frequencyStep)
-    , m_name(std::move(name))
+    : m_firstChannelId(firstChannelId),
+      m_channelCount(
+          countThatFits(firstChannelId, countOfSpan(startFrequency, frequencyStep, stopFrequency))),
+      m_firstCenterFrequency(startFrequency), m_frequencyStep(frequencyStep),
+      m_name(std::move(name))
 {
 }
 

@@ -16,8 +16,7 @@ public:
     DFSpectrumSample() = default;
     /// A copy owns a copy of the waves.
     DFSpectrumSample(const DFSpectrumSample &other)
-        : m_fields(other.m_fields)
-        , m_waves(other.m_waves ? clone(*other.m_waves) : nullptr)
+        : m_fields(other.m_fields), m_waves(other.m_waves ? clone(*other.m_waves) : nullptr)
     {
     }
     DFSpectrumSample(DFSpectrumSample &&) noexcept = default;

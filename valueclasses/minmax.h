@@ -12,11 +12,7 @@ struct MinMax {
     std::int16_t max = -32768;
 
     constexpr MinMax() = default;
-    constexpr MinMax(short smallest, short greatest)
-        : min(smallest)
-        , max(greatest)
-    {
-    }
+    constexpr MinMax(short smallest, short greatest) : min(smallest), max(greatest) {}
 };
 
 inline bool operator==(const MinMax &a, const MinMax &b) { return a.max == b.max; }

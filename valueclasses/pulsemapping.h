@@ -17,10 +17,7 @@ struct Pulse {
     Pulse() = default;
     /// One pulse; the last two arguments are accepted and ignored.
     Pulse(short channelLevel, short pulseLevel, unsigned char type, unsigned int, unsigned int)
-        : level(channelLevel)
-        , pulseLevelMax(pulseLevel)
-        , pulseLevelMin(pulseLevel)
-        , pulseType(type)
+        : level(channelLevel), pulseLevelMax(pulseLevel), pulseLevelMin(pulseLevel), pulseType(type)
     {
     }
 };

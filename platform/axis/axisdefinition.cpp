@@ -18,10 +18,7 @@ bool makesAxis(double min, double max, int pixelCount)
 
 } // namespace
 
-axisDefinition::axisDefinition(bool skipSuppressRanges)
-    : m_skipSuppressed(skipSuppressRanges)
-{
-}
+axisDefinition::axisDefinition(bool skipSuppressRanges) : m_skipSuppressed(skipSuppressRanges) {}
 
 int axisDefinition::init(double min, double max, short pixelCount)
 {

@@ -10,10 +10,7 @@ public:
     /// \a scale is the width of the stretch against the rest of the axis: above 1 zoomed, below 1
     /// suppressed.
     pixSection(double from, double to, double scale, bool suppressed)
-        : m_from(from)
-        , m_to(to)
-        , m_scale(scale)
-        , m_suppressed(suppressed)
+        : m_from(from), m_to(to), m_scale(scale), m_suppressed(suppressed)
     {
     }
 

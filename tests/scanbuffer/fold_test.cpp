@@ -147,7 +147,8 @@ FoldRules randomRules(std::size_t pixels)
 }
 
 template <typename Pair>
-class Fold : public testing::Test {};
+class Fold : public testing::Test {
+};
 TYPED_TEST_SUITE(Fold, values::SamplePairList<testing::Types>, values::SamplePairNames);
 
 TYPED_TEST(Fold, EqualsTheRuleForAnyScan)
