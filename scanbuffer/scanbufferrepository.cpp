@@ -29,4 +29,13 @@ DataSourceQObject *ScanBufferRepository::getSource(const QString &guid) const
     return found != m_sources.end() ? found->second : nullptr;
 }
 
+QStringList ScanBufferRepository::guids() const
+{
+    const Kelm::MutexLocker lock(m_mutex);
+    QStringList guids;
+    for (const auto &[guid, source] : m_sources)
+        guids << guid;
+    return guids;
+}
+
 } // namespace sbs

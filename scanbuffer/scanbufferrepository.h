@@ -4,6 +4,7 @@
 #include "platform/base/sync.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <map>
 
@@ -23,6 +24,8 @@ public:
     void removeSource(const QString &guid, DataSourceQObject *source);
     /// Null for an unknown GUID. The source may go at any time but on its own thread.
     DataSourceQObject *getSource(const QString &guid) const;
+    /// The GUIDs of all sources that are there.
+    QStringList guids() const;
 
 private:
     mutable Kelm::Mutex m_mutex;

@@ -22,6 +22,20 @@ values::ChannelRangeDefinition definitionOf(const Grid &grid)
     return definition;
 }
 
+/// The data source that serves at \a endpoint, which is the name a value map gives its buffer.
+template <typename Y, typename YHandler>
+sbs::ScanBufferDataSource<Y, YHandler> *sourceAt(const QByteArray &endpoint)
+{
+    const auto &repository = sbs::ScanBufferRepository::instance();
+    for (const QString &guid : repository.guids()) {
+        auto *const source =
+            dynamic_cast<sbs::ScanBufferDataSource<Y, YHandler> *>(repository.getSource(guid));
+        if (source != nullptr && source->getServerEndpoint() == endpoint)
+            return source;
+    }
+    return nullptr;
+}
+
 template <typename Y, typename YHandler>
 class ValueMapSink final : public ScanSink {
 public:
@@ -29,9 +43,7 @@ public:
     {
         m_map.SetChannelRangeDefinition(definitionOf(grid), 0);
         m_map.CreateRealTimeBuffer();
-        const QString name = QString::fromStdString(m_map.GetRealTimeBufferName());
-        m_source = dynamic_cast<sbs::ScanBufferDataSource<Y, YHandler> *>(
-            sbs::ScanBufferRepository::instance().getSource(name));
+        m_source = sourceAt<Y, YHandler>(QByteArray::fromStdString(m_map.GetRealTimeBufferName()));
         if (!m_source)
             throw Failure(Failure::Runtime,
                           QStringLiteral("The scan buffer service did not start."));
