@@ -3,6 +3,7 @@
 #include "platform/base/export.h"
 #include "scanbuffer/idatasourceadapter.h"
 
+#include <QByteArray>
 #include <QObject>
 #include <QString>
 
@@ -15,6 +16,9 @@ class SPECTREE_EXPORT DataSourceQObject : public QObject {
 public:
     DataSourceQObject();
     ~DataSourceQObject() override;
+
+    /// Where consumers connect to.
+    virtual QByteArray getServerEndpoint() const = 0;
 
 public Q_SLOTS:
     virtual void slotRemoveWindowData(QString winGUID) = 0;

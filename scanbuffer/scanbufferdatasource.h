@@ -53,8 +53,7 @@ public:
     void RemoveWindowRelated(const QString &winGUID) override;
     WindowRelatedQObject *CreateOrGetWindowRelated(const QString &winGUID) override;
 
-    /// Where consumers connect to.
-    QByteArray getServerEndpoint() const;
+    QByteArray getServerEndpoint() const override;
     std::shared_ptr<ScanBuffer<Y, YHandler>> GetScanBuffer() const { return m_scanBuffer; }
 
     void slotRemoveWindowData(QString winGUID) override { RemoveWindowRelated(winGUID); }

@@ -1,5 +1,7 @@
 #include "scanbuffer/scanbufferrepository.h"
 
+#include "scanbuffer/datasourceqobject.h"
+
 namespace sbs {
 
 ScanBufferRepository &ScanBufferRepository::instance()
@@ -29,13 +31,13 @@ DataSourceQObject *ScanBufferRepository::getSource(const QString &guid) const
     return found != m_sources.end() ? found->second : nullptr;
 }
 
-QStringList ScanBufferRepository::guids() const
+DataSourceQObject *ScanBufferRepository::getSourceByEndpoint(const QByteArray &endpoint) const
 {
     const Kelm::MutexLocker lock(m_mutex);
-    QStringList guids;
     for (const auto &[guid, source] : m_sources)
-        guids << guid;
-    return guids;
+        if (source->getServerEndpoint() == endpoint)
+            return source;
+    return nullptr;
 }
 
 } // namespace sbs

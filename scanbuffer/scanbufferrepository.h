@@ -3,8 +3,8 @@
 #include "platform/base/export.h"
 #include "platform/base/sync.h"
 
+#include <QByteArray>
 #include <QString>
-#include <QStringList>
 
 #include <map>
 
@@ -24,8 +24,8 @@ public:
     void removeSource(const QString &guid, DataSourceQObject *source);
     /// Null for an unknown GUID. The source may go at any time but on its own thread.
     DataSourceQObject *getSource(const QString &guid) const;
-    /// The GUIDs of all sources that are there.
-    QStringList guids() const;
+    /// The source that serves \a endpoint, as its value's real-time buffer name tells it; or null.
+    DataSourceQObject *getSourceByEndpoint(const QByteArray &endpoint) const;
 
 private:
     mutable Kelm::Mutex m_mutex;

@@ -2,8 +2,8 @@
 
 #include "apps/receiver/failure.h"
 #include "apps/receiver/samplewriter.h"
+#include "scanbuffer/datasourceqobject.h"
 #include "scanbuffer/idatasourceadapter.h"
-#include "scanbuffer/scanbufferdatasource.h"
 #include "scanbuffer/scanbufferrepository.h"
 #include "valueclasses/fastvaluemap.h"
 
@@ -22,20 +22,6 @@ values::ChannelRangeDefinition definitionOf(const Grid &grid)
     return definition;
 }
 
-/// The data source that serves at \a endpoint, which is the name a value map gives its buffer.
-template <typename Y, typename YHandler>
-sbs::ScanBufferDataSource<Y, YHandler> *sourceAt(const QByteArray &endpoint)
-{
-    const auto &repository = sbs::ScanBufferRepository::instance();
-    for (const QString &guid : repository.guids()) {
-        auto *const source =
-            dynamic_cast<sbs::ScanBufferDataSource<Y, YHandler> *>(repository.getSource(guid));
-        if (source != nullptr && source->getServerEndpoint() == endpoint)
-            return source;
-    }
-    return nullptr;
-}
-
 template <typename Y, typename YHandler>
 class ValueMapSink final : public ScanSink {
 public:
@@ -43,7 +29,8 @@ public:
     {
         m_map.SetChannelRangeDefinition(definitionOf(grid), 0);
         m_map.CreateRealTimeBuffer();
-        m_source = sourceAt<Y, YHandler>(QByteArray::fromStdString(m_map.GetRealTimeBufferName()));
+        m_source = sbs::ScanBufferRepository::instance().getSourceByEndpoint(
+            QByteArray::fromStdString(m_map.GetRealTimeBufferName()));
         if (!m_source)
             throw Failure(Failure::Runtime,
                           QStringLiteral("The scan buffer service did not start."));
@@ -68,7 +55,7 @@ public:
 
 private:
     values::FastValueMap<Y, YHandler> m_map;
-    sbs::ScanBufferDataSource<Y, YHandler> *m_source = nullptr; // belongs to the map
+    sbs::DataSourceQObject *m_source = nullptr; // belongs to the map
     std::vector<Y> m_samples;
 };
 
