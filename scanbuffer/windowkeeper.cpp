@@ -3,11 +3,35 @@
 #include "platform/base/errorhandler.h"
 #include "scanbuffer/windowrelatedqobject.h"
 
-#include <QScopeGuard>
-
+#include <future>
 #include <utility>
 
 namespace sbs {
+
+namespace {
+
+/// Write-locks; a stall is reported and never turned into a failure.
+class SPECTREE_SCOPED_CAPABILITY ReportingLocker {
+public:
+    explicit ReportingLocker(Kelm::ReadWriteLock &lock) SPECTREE_ACQUIRE(lock) : m_lock(lock)
+    {
+        constexpr int kStallMilliseconds = 2000;
+        if (lock.tryLockForWrite(kStallMilliseconds))
+            return;
+        SPECTREE_TRACE(TraceWarnings,
+                       QStringLiteral("Possible Deadlock4: tryLock failed from: %1")
+                           .arg(reinterpret_cast<quintptr>(QThread::currentThreadId())));
+        lock.lockForWrite();
+    }
+    ~ReportingLocker() SPECTREE_RELEASE() { m_lock.unlockWrite(); }
+    ReportingLocker(const ReportingLocker &) = delete;
+    ReportingLocker &operator=(const ReportingLocker &) = delete;
+
+private:
+    Kelm::ReadWriteLock &m_lock;
+};
+
+} // namespace
 
 WindowKeeper::WindowKeeper(MakeWindow makeWindow) : m_makeWindow(std::move(makeWindow)) {}
 
@@ -15,11 +39,10 @@ WindowKeeper::~WindowKeeper()
 {
     std::vector<QPointer<QThread>> ending;
     {
-        lockForWrite();
+        const ReportingLocker lock(m_lock);
         for (auto &[guid, entry] : m_windows)
             end(entry);
         ending.swap(m_ending);
-        m_lock.unlockWrite();
     }
     // The thread objects live on this thread, so none can go while it is waited for.
     for (const QPointer<QThread> &thread : ending) {
@@ -31,21 +54,9 @@ WindowKeeper::~WindowKeeper()
     }
 }
 
-void WindowKeeper::lockForWrite()
-{
-    constexpr int kStallMilliseconds = 2000;
-    if (m_lock.tryLockForWrite(kStallMilliseconds))
-        return;
-    SPECTREE_TRACE(TraceWarnings, QStringLiteral("Possible Deadlock4: tryLock failed from: %1")
-                                      .arg(reinterpret_cast<quintptr>(QThread::currentThreadId())));
-    m_lock.lockForWrite();
-}
-
 WindowRelatedQObject *WindowKeeper::createOrGet(const QString &winGUID)
 {
-    lockForWrite();
-    const auto unlock =
-        qScopeGuard([this]() SPECTREE_NO_THREAD_SAFETY_ANALYSIS { m_lock.unlockWrite(); });
+    const ReportingLocker lock(m_lock);
     Entry &entry = m_windows[winGUID];
     if (entry.window == nullptr)
         entry = start(winGUID);
@@ -59,6 +70,11 @@ WindowKeeper::Entry WindowKeeper::start(const QString &winGUID)
     thread->setObjectName(QStringLiteral("window %1").arg(winGUID));
     thread->moveToThread(m_home.thread());
     window->moveToThread(thread);
+    std::promise<void> running;
+    QObject::connect(thread, &QThread::started, window, [&running] {
+        Kelm::syncRelease(&running);
+        running.set_value();
+    });
     QObject::connect(thread, &QThread::started, window,
                      &WindowRelatedQObject::slotWorkerThreadStarted);
     // In this order: the window goes while its thread still runs the last of its events.
@@ -67,6 +83,9 @@ WindowKeeper::Entry WindowKeeper::start(const QString &winGUID)
     QObject::connect(window, &QObject::destroyed, [thread] { Kelm::syncRelease(thread); });
     Kelm::syncRelease(window);
     thread->start();
+    // Before its event loop stands, a thread loses the wish to quit.
+    running.get_future().wait();
+    Kelm::syncAcquire(&running);
     return {window, thread};
 }
 
@@ -82,10 +101,11 @@ void WindowKeeper::end(Entry &entry)
 
 void WindowKeeper::remove(const QString &winGUID)
 {
-    lockForWrite();
-    if (const auto found = m_windows.find(winGUID); found != m_windows.end())
-        end(found->second);
-    m_lock.unlockWrite();
+    {
+        const ReportingLocker lock(m_lock);
+        if (const auto found = m_windows.find(winGUID); found != m_windows.end())
+            end(found->second);
+    }
     SPECTREE_TRACE(TraceLifecycle,
                    QStringLiteral("Scanbufferserver deleted WindowData[%1]").arg(winGUID));
 }

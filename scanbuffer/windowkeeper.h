@@ -42,7 +42,6 @@ private:
         QThread *thread = nullptr;
     };
 
-    void lockForWrite() SPECTREE_ACQUIRE(m_lock);
     Entry start(const QString &winGUID);
     void end(Entry &entry) SPECTREE_REQUIRES(m_lock);
 

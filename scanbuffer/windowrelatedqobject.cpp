@@ -76,16 +76,14 @@ void WindowRelatedQObject::stopListening()
     m_inbox->close();
 }
 
-bool WindowRelatedQObject::event(QEvent *event)
+void WindowRelatedQObject::customEvent(QEvent *)
 {
-    if (event->type() != WindowInbox::noteType())
-        return ScanBufferSizeManagerClient::event(event);
+    // Nothing else posts events of its own to a window, so this one is a note.
     m_inbox->takeNote();
     // The event loop delivers notes as long as there are any: with a pass for each, a fast feeder
     // would keep the timers from ever being served. The one that is due runs the pass instead.
     if (!isReadTimerDue())
         slotDataChanged();
-    return true;
 }
 
 bool WindowRelatedQObject::isReadTimerDue() const

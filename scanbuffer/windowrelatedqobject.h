@@ -159,7 +159,7 @@ Q_SIGNALS:
 protected:
     WindowRelatedQObject(const QString &winGUID, ScanBufferSizeManager *sizeManager);
 
-    bool event(QEvent *event) override;
+    void customEvent(QEvent *event) override;
 
     /// Null before the window's thread runs.
     const CompressionDetails *details() const;

@@ -29,6 +29,17 @@ void syncAcquire([[maybe_unused]] const void *address)
 #endif
 }
 
+#if defined(SPECTREE_UNDER_TSAN)
+namespace {
+std::mutex postMutex;
+}
+Detail::PostGate::PostGate() { postMutex.lock(); }
+Detail::PostGate::~PostGate() { postMutex.unlock(); }
+#else
+Detail::PostGate::PostGate() = default;
+Detail::PostGate::~PostGate() = default;
+#endif
+
 ReadWriteLock::ReadWriteLock(Kind kind)
     : m_lock(kind == Kind::recursive ? QReadWriteLock::Recursive : QReadWriteLock::NonRecursive)
 {

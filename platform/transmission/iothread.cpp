@@ -75,7 +75,7 @@ void IoThread::execute(Work work)
     std::promise<void> done;
     {
         const Kelm::MutexLocker lock(m_mutex);
-        m_work.push_back([this, &work, &done] {
+        m_work.push_back([&work, &done] {
             work();
             Kelm::syncRelease(&done);
             done.set_value();

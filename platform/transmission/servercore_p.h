@@ -63,8 +63,8 @@ private:
         Clock::time_point lastUsed;
     };
 
-    void bind(const ServerOptions &options);
-    void setKeys(const ServerOptions &options);
+    void bind(const ServerOptions &options) SPECTREE_REQUIRES(m_mutex);
+    void setKeys(const ServerOptions &options) SPECTREE_REQUIRES(m_mutex);
 
     // Incoming, on the I/O thread
     bool receiveBatch(std::vector<std::vector<zmq::message_t>> &batch);

@@ -98,8 +98,10 @@ TEST_F(DataSource, ARemovedWindowEndsOnItsThreadAndIsMadeAnew)
     auto *const window = source.CreateOrGetWindowRelated(QStringLiteral("a"));
     QThread *const thread = window->thread();
     std::promise<QThread *> endedOn;
-    QObject::connect(window, &QObject::destroyed,
-                     [&] { endedOn.set_value(QThread::currentThread()); });
+    onThreadOf(*window, [&] {
+        QObject::connect(window, &QObject::destroyed,
+                         [&] { endedOn.set_value(QThread::currentThread()); });
+    });
     source.RemoveWindowRelated(QStringLiteral("a"));
     EXPECT_EQ(endedOn.get_future().get(), thread);
     source.RemoveWindowRelated(QStringLiteral("a"));
@@ -114,8 +116,10 @@ TEST_F(DataSource, AWindowThatAsksToGoIsRemoved)
     Source source;
     auto *const window = source.CreateOrGetWindowRelated(QStringLiteral("a"));
     std::atomic<bool> gone{false};
-    QObject::connect(window, &QObject::destroyed, [&] { gone = true; });
-    onThreadOf(*window, [&] { Q_EMIT window->signalRemoveWindowData(QStringLiteral("a")); });
+    onThreadOf(*window, [&] {
+        QObject::connect(window, &QObject::destroyed, [&] { gone = true; });
+        Q_EMIT window->signalRemoveWindowData(QStringLiteral("a"));
+    });
     while (!gone)
         QCoreApplication::processEvents();
 }
