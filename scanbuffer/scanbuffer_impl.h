@@ -129,6 +129,7 @@ void ScanBuffer<Y, YHandler>::addTimeStamp(KRTimeStamp time)
             return;
         m_lines.currentLine().setFirstTimeStamp(time);
     }
+    const Kelm::QtGate gate;
     Q_EMIT signalTimeStampAdded(time);
 }
 
@@ -140,6 +141,7 @@ void ScanBuffer<Y, YHandler>::addSpectralData(std::span<const Piece> pieces)
         const Kelm::WriteLocker lock(m_lock);
         written = writePieces(pieces);
     }
+    const Kelm::QtGate gate;
     if (written)
         Q_EMIT signalSpectralDataAdded();
 }
@@ -184,6 +186,7 @@ void ScanBuffer<Y, YHandler>::finishScan(std::optional<KRTimeStamp> time)
         scansPerSecond = m_scanRate.averageEventsPerSecond();
         m_definitions.dropBelow(m_lines.getIdRange().first);
     }
+    const Kelm::QtGate gate;
     Q_EMIT signalEndOfScan();
     Q_EMIT signalScansPerSecond(scansPerSecond);
     m_sizeManager->endOfScanReceived();
@@ -215,7 +218,9 @@ template <typename Y, typename YHandler>
 void ScanBuffer<Y, YHandler>::setChannelRangeDefinition(
     const values::ChannelRangeDefinition &definition)
 {
-    if (applyDefinition(definition))
+    const bool changed = applyDefinition(definition);
+    const Kelm::QtGate gate;
+    if (changed)
         Q_EMIT signalChannelRangeDefinitionChanged();
     m_sizeManager->resetFirstAccess();
 }

@@ -2,6 +2,7 @@
 
 #include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
+#include "platform/base/sync.h"
 #include "platform/base/types.h"
 #include "scanbuffer/idatasourceadapter.h"
 #include "scanbuffer/scanbufferqobject.h"
@@ -54,6 +55,7 @@ WindowRelatedQObject::~WindowRelatedQObject() { stopListening(); }
 void WindowRelatedQObject::listenTo(ScanBufferQObject *buffer)
 {
     const std::shared_ptr<WindowInbox> inbox = m_inbox;
+    const Kelm::QtGate gate;
     m_connections = {
         connect(buffer, &ScanBufferQObject::signalSpectralDataAdded,
                 [inbox] { inbox->postNote(); }),
@@ -70,6 +72,7 @@ void WindowRelatedQObject::listenTo(ScanBufferQObject *buffer)
 
 void WindowRelatedQObject::stopListening()
 {
+    const Kelm::QtGate gate;
     for (const QMetaObject::Connection &connection : m_connections)
         disconnect(connection);
     m_connections.clear();

@@ -31,13 +31,13 @@ void syncAcquire([[maybe_unused]] const void *address)
 
 #if defined(SPECTREE_UNDER_TSAN)
 namespace {
-std::mutex postMutex;
+std::recursive_mutex qtMutex;
 }
-Detail::PostGate::PostGate() { postMutex.lock(); }
-Detail::PostGate::~PostGate() { postMutex.unlock(); }
+QtGate::QtGate() { qtMutex.lock(); }
+QtGate::~QtGate() { qtMutex.unlock(); }
 #else
-Detail::PostGate::PostGate() = default;
-Detail::PostGate::~PostGate() = default;
+QtGate::QtGate() = default;
+QtGate::~QtGate() = default;
 #endif
 
 ReadWriteLock::ReadWriteLock(Kind kind)

@@ -89,17 +89,18 @@ private:
     ReadWriteLock &m_lock;
 };
 
-namespace Detail {
-/// Held while work is put into a queue, and taken once by the work itself, so that the thread
-/// sanitizer sees what Qt allocates for the way. Nothing at all in other builds.
-class SPECTREE_EXPORT PostGate {
+/// Held by both sides while something goes through Qt from one thread to another: a connection that
+/// is made while another thread emits, work that is put into a queue. The thread sanitizer then
+/// sees the hand-over that Qt does by itself. Recursive; nothing at all in other builds.
+class SPECTREE_EXPORT QtGate {
 public:
-    PostGate();
-    ~PostGate();
-    PostGate(const PostGate &) = delete;
-    PostGate &operator=(const PostGate &) = delete;
+    QtGate();
+    ~QtGate();
+    QtGate(const QtGate &) = delete;
+    QtGate &operator=(const QtGate &) = delete;
 };
 
+namespace Detail {
 /// Work in the queue of another thread. It releases and acquires its own address, from where it
 /// was put last, since every byte of it is handed over.
 template <typename Work>
@@ -111,7 +112,7 @@ public:
     void operator()()
     {
         {
-            const PostGate gate;
+            const QtGate gate;
         }
         syncAcquire(this);
         m_work();
@@ -127,7 +128,7 @@ private:
 template <typename Work>
 void post(QObject *receiver, Work &&work)
 {
-    const Detail::PostGate gate;
+    const QtGate gate;
     QMetaObject::invokeMethod(receiver,
                               Detail::PostedWork<std::decay_t<Work>>(std::forward<Work>(work)),
                               Qt::QueuedConnection);
