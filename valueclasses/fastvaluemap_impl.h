@@ -123,13 +123,14 @@ template <typename Y, typename YHandler>
         if (firstChannel < 0)
             throw KRException("StartChannel invalid", "FastValueMap.cpp", "FastValueMap",
                               "SetChannelValues", __LINE__);
-        if (m_definition.empty())
-            throw ChannelNotSetExc();
+        // Before any look at the grid: a grid that was set on this thread was posted, too.
         if (this->IsChangeForeign())
             return this->PostChange(
                 [this, firstChannel, samples = std::vector<Y>(values, values + count)] {
                     SetChannelValues(firstChannel, unsigned(samples.size()), samples.data());
                 });
+        if (m_definition.empty())
+            throw ChannelNotSetExc();
         // Throws for unknown channels, so nothing may be written or recorded before it.
         const std::span<const Piece> pieces = split(unsigned(firstChannel), count, values);
         if (pieces.empty())
@@ -180,14 +181,14 @@ template <typename Y, typename YHandler>
         requires SampleHandler<YHandler, Y>
     void FastValueMap<Y, YHandler>::ClearChannelRange(Kelm::Long firstChannel, unsigned int count)
     {
+        if (this->IsChangeForeign())
+            return this->PostChange(
+                [this, firstChannel, count] { ClearChannelRange(firstChannel, count); });
         if (m_definition.empty())
             return;
         const auto wantedCount = std::int32_t(count);
         if (firstChannel == -1 && wantedCount == -1)
             return ClearData();
-        if (this->IsChangeForeign())
-            return this->PostChange(
-                [this, firstChannel, count] { ClearChannelRange(firstChannel, count); });
         const unsigned int first =
             firstChannel < 0 ? m_definition.GetMinChannelId() : unsigned(firstChannel);
         const std::span<const Piece> pieces =
@@ -267,11 +268,13 @@ template <typename Y, typename YHandler>
     {
         if (this->IsChangeForeign())
             return this->PostChange([this, code, source] { HasChanged(code, source); });
+        // Asked before anybody is told: an observer may destroy this value.
+        const bool bufferOnly = storesInBufferOnly();
         if (m_buffer != nullptr && code == CC_MAPPING && this->IsCommandRecording()) {
             this->AddCommand(new ValueBase::CommandHasChanged(this, code, source));
             this->NotifyObservers(CC_FAST_MAP, source);
         }
-        if (!storesInBufferOnly())
+        if (!bufferOnly)
             ValueMap<Y, YHandler>::HasChanged(code, source);
     }
 
@@ -307,8 +310,9 @@ template <typename Y, typename YHandler>
             if (!CfgCenter::GetAppCfg().GetBool(QStringLiteral("UseScanBufferServer"), false))
                 return nullptr;
             if (m_buffer != nullptr) {
+                const auto present = m_buffer->GetScanBuffer();
                 this->NotifyObservers(CC_VALUE, nullptr);
-                return m_buffer->GetScanBuffer();
+                return present;
             }
             auto buffer = RealTimeBufferFactory<Y, YHandler>::Create();
             if (buffer == nullptr)
@@ -316,8 +320,9 @@ template <typename Y, typename YHandler>
             buffer->setChannelRangeDefinition(m_definition);
             m_buffer = std::move(buffer);
             this->m_realTimeBufferName = m_buffer->GetName();
+            const auto made = m_buffer->GetScanBuffer();
             SetRealTimeBufferName(this->m_realTimeBufferName);
-            return m_buffer->GetScanBuffer();
+            return made;
         }
 
     template <typename Y, typename YHandler>

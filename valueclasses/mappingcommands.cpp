@@ -16,7 +16,7 @@ constexpr int kWithdrawnId = 30;
 template <typename NumberCommand>
 constexpr bool isIdOf(int id)
 {
-    return id == NumberCommand::kId || (id + kOldIdOffset == NumberCommand::kId);
+    return id == NumberCommand::kId || id == NumberCommand::kId - kOldIdOffset;
 }
 
 void ignoreCommandInitializeRangeMapping(const char **pos)

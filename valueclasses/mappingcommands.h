@@ -66,7 +66,7 @@ private:
 #define SPECTREE_DECLARE(Name, id, ...)                                                            \
     struct Name##Operation {                                                                       \
         static constexpr int kId = id;                                                             \
-        static constexpr const char *kName = "ValueMap::Command" #Name;                            \
+        static constexpr const char *kName = "Command" #Name;                                      \
         template <typename... Numbers>                                                             \
         static void apply(MappingBase &mapping, const Numbers &...numbers)                         \
         {                                                                                          \

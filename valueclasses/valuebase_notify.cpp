@@ -96,7 +96,15 @@ void ValueBase::PostChange(std::function<void()> change)
                    QStringLiteral("VTTHREADING: Change of a recorded value in non-main thread is "
                                   "posted. ValueName: %1")
                        .arg(m_name));
-    Kelm::post(&handOver(), std::move(change));
+    // There is no caller left who could be told, and nothing may pass through the event loop.
+    Kelm::post(&handOver(), [change = std::move(change)] {
+        try {
+            change();
+        } catch (const std::exception &error) {
+            SPECTREE_TRACE(TraceWarnings, QStringLiteral("A posted change was refused: %1")
+                                              .arg(QString::fromUtf8(error.what())));
+        }
+    });
 }
 
 void ValueBase::DeleteObserver(IObserver *observer)

@@ -1,5 +1,7 @@
 #include "platform/base/objecttimer.h"
 
+#include "platform/base/errorhandler.h"
+
 #include <QObject>
 #include <QTimerEvent>
 
@@ -28,7 +30,15 @@ public:
     }
 
 private:
-    void timerEvent(QTimerEvent *event) override { m_target->OnTimer(event->timerId()); }
+    // Nothing may pass through the event loop: it would end the process.
+    void timerEvent(QTimerEvent *event) override
+    {
+        try {
+            m_target->OnTimer(event->timerId());
+        } catch (const std::exception &error) {
+            SPECTREE_TRACE(TraceWarnings, QString::fromUtf8(error.what()));
+        }
+    }
 
     IHasTimerCallback *m_target;
     std::vector<int> m_ids;
