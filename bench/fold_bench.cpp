@@ -3,7 +3,7 @@
 // Each round is on a new line, as for a new scan. "ratio" is the plain loop's time divided by the
 // fold's, both medians of rounds that take turns, so that a busy machine slows both.
 
-#include "scanbuffer/windowfold.h"
+#include "scanbuffer/window/windowfold.h"
 
 #include <benchmark/benchmark.h>
 

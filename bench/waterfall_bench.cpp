@@ -1,5 +1,5 @@
 // A waterfall row from the window's line to wire bytes, against bare zstd of the same row.
-#include "scanbuffer/waterfallrows_impl.h"
+#include "scanbuffer/waterfall/waterfallrows_impl.h"
 #include "tests/scanbuffer/fakewindow.h"
 
 #include <benchmark/benchmark.h>

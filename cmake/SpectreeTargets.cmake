@@ -1,12 +1,13 @@
 # Helpers that keep each folder's CMakeLists.txt to a list of names.
 
-# spectree_sources(a.h a.cpp ...): adds files of the current folder to the library. Headers that do
-# not end in _p.h are installed as include/spectree/<folder>/<file>.
+# spectree_sources(a.h a.cpp ...): adds files of the current folder, or of its sub-folders, to the
+# library. Headers that do not end in _p.h are installed as include/spectree/<folder>/<file>.
 function(spectree_sources)
     foreach(file IN LISTS ARGN)
         target_sources(spectree PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}/${file}")
         if(file MATCHES "\\.h$" AND NOT file MATCHES "_p\\.h$")
-            file(RELATIVE_PATH folder "${PROJECT_SOURCE_DIR}" "${CMAKE_CURRENT_SOURCE_DIR}")
+            get_filename_component(folder "${CMAKE_CURRENT_SOURCE_DIR}/${file}" DIRECTORY)
+            file(RELATIVE_PATH folder "${PROJECT_SOURCE_DIR}" "${folder}")
             install(FILES "${file}" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/spectree/${folder}"
                     COMPONENT dev)
         endif()

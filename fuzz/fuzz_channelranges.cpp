@@ -2,7 +2,7 @@
 // what is refused leaves the target alone.
 #include "platform/base/bytes.h"
 #include "platform/base/krexception.h"
-#include "valueclasses/channelrangedefinition.h"
+#include "valueclasses/channels/channelrangedefinition.h"
 
 #include <cstdlib>
 

@@ -4,7 +4,7 @@
 #include "platform/base/krexception.h"
 #include "platform/transmission/consumerconnector.h"
 #include "platform/transmission/consumergroup.h"
-#include "scanbuffer/mdata.h"
+#include "scanbuffer/messages/mdata.h"
 
 #include <exception>
 

@@ -2,7 +2,7 @@
 
 #include "platform/base/errorhandler.h"
 #include "scanbuffer/mdatatypes.h"
-#include "scanbuffer/windowrelatedqobject.h"
+#include "scanbuffer/window/windowrelatedqobject.h"
 
 DataSourceAdapter::DataSourceAdapter(Adapter_Type type, sbs::WindowRelatedQObject *window,
                                      const QByteArray &identity)

@@ -1,7 +1,7 @@
 // The arrow from the fast value map into the scan buffer: it runs against the floors, so it stands
 // behind an interface of the lower one and is put in place when the library is loaded.
 #include "scanbuffer/scanbufferdatasource.h"
-#include "valueclasses/realtimebuffer.h"
+#include "valueclasses/mapping/realtimebuffer.h"
 
 namespace sbs {
 

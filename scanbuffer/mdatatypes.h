@@ -1,11 +1,11 @@
 #pragma once
 
 /// All scan buffer messages: what an adapter and its display send each other.
-#include "scanbuffer/mdataazimuth.h"
-#include "scanbuffer/mdatabytearray.h"
-#include "scanbuffer/mdatachannelrange.h"
-#include "scanbuffer/mdatacontainer.h"
-#include "scanbuffer/mdatakfactor.h"
-#include "scanbuffer/mdatarequests.h"
-#include "scanbuffer/mdatascalar.h"
-#include "scanbuffer/mdatawaterfall.h"
+#include "scanbuffer/messages/mdataazimuth.h"
+#include "scanbuffer/messages/mdatabytearray.h"
+#include "scanbuffer/messages/mdatachannelrange.h"
+#include "scanbuffer/messages/mdatacontainer.h"
+#include "scanbuffer/messages/mdatakfactor.h"
+#include "scanbuffer/messages/mdatarequests.h"
+#include "scanbuffer/messages/mdatascalar.h"
+#include "scanbuffer/messages/mdatawaterfall.h"

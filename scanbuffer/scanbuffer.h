@@ -4,12 +4,12 @@
 #include "platform/base/sync.h"
 #include "scanbuffer/averagetime.h"
 #include "scanbuffer/buffersizemanagementinterface.h"
-#include "scanbuffer/channellinebuffer.h"
-#include "scanbuffer/channelrangequeue.h"
+#include "scanbuffer/lines/channellinebuffer.h"
+#include "scanbuffer/lines/channelrangequeue.h"
 #include "scanbuffer/scanbufferaccess.h"
 #include "scanbuffer/scanbufferqobject.h"
 #include "scanbuffer/scanbuffervisitor.h"
-#include "valueclasses/spectraldatapiece.h"
+#include "valueclasses/mapping/spectraldatapiece.h"
 
 #include <atomic>
 #include <memory>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "scanbuffer/datasourceadapter.h"
-#include "valueclasses/samplepairs.h"
+#include "valueclasses/samples/samplepairs.h"
 
 #include <vector>
 

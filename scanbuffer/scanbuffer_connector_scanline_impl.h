@@ -1,9 +1,9 @@
 #pragma once
 
 #include "platform/base/bytes.h"
-#include "scanbuffer/mdatabytearray.h"
+#include "scanbuffer/messages/mdatabytearray.h"
 #include "scanbuffer/scanbuffer_connector_scanline.h"
-#include "scanbuffer/windowadapter_impl.h"
+#include "scanbuffer/window/windowadapter_impl.h"
 
 #include <limits>
 

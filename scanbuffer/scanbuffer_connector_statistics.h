@@ -2,7 +2,7 @@
 
 #include "scanbuffer/datasourceadapter.h"
 #include "scanbuffer/scanbuffer_connectorbases.h"
-#include "valueclasses/samplepairs.h"
+#include "valueclasses/samples/samplepairs.h"
 
 namespace sbs {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "scanbuffer/scanbuffer_connector_statistics.h"
-#include "scanbuffer/windowadapter_impl.h"
+#include "scanbuffer/window/windowadapter_impl.h"
 
 namespace sbs {
 

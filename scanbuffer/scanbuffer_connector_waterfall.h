@@ -2,7 +2,7 @@
 
 #include "scanbuffer/datasourceadapter.h"
 #include "scanbuffer/scanbuffer_connectorbases.h"
-#include "scanbuffer/waterfallrows.h"
+#include "scanbuffer/waterfall/waterfallrows.h"
 
 namespace sbs {
 

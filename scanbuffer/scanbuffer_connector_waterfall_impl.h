@@ -1,10 +1,10 @@
 #pragma once
 
 #include "platform/base/kelmos.h"
-#include "scanbuffer/mdatacontainer.h"
+#include "scanbuffer/messages/mdatacontainer.h"
 #include "scanbuffer/scanbuffer_connector_waterfall.h"
-#include "scanbuffer/waterfallrows_impl.h"
-#include "scanbuffer/windowadapter_impl.h"
+#include "scanbuffer/waterfall/waterfallrows_impl.h"
+#include "scanbuffer/window/windowadapter_impl.h"
 
 namespace sbs {
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "scanbuffer/mdatachannelrange.h"
-#include "scanbuffer/mdatacontainer.h"
+#include "scanbuffer/messages/mdatachannelrange.h"
+#include "scanbuffer/messages/mdatacontainer.h"
 #include "scanbuffer/scanbuffer_connector_xrange.h"
-#include "scanbuffer/windowadapter_impl.h"
+#include "scanbuffer/window/windowadapter_impl.h"
 
 namespace sbs {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "scanbuffer/channelline.h"
-#include "valueclasses/channelrangedefinition.h"
+#include "scanbuffer/lines/channelline.h"
+#include "valueclasses/channels/channelrangedefinition.h"
 
 namespace sbs {
 

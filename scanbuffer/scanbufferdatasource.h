@@ -4,7 +4,7 @@
 #include "scanbuffer/datasourceqobject.h"
 #include "scanbuffer/idatasource.h"
 #include "scanbuffer/scanbuffer.h"
-#include "scanbuffer/windowkeeper.h"
+#include "scanbuffer/window/windowkeeper.h"
 
 #include <QByteArray>
 

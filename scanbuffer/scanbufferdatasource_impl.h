@@ -3,7 +3,7 @@
 #include "platform/transmission/server.h"
 #include "scanbuffer/scanbufferdatasource.h"
 #include "scanbuffer/scanbufferrepository.h"
-#include "scanbuffer/windowfactories.h"
+#include "scanbuffer/window/windowfactories.h"
 #include "scanbuffer/windowrelated.h"
 
 #include <QUuid>

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "scanbuffer/channelindextopixel.h"
+#include "scanbuffer/fold/channelindextopixel.h"
 #include "scanbuffer/scanbuffer.h"
-#include "scanbuffer/scandisplayring.h"
-#include "scanbuffer/windowfold.h"
-#include "scanbuffer/windowrelatedqobject.h"
+#include "scanbuffer/window/scandisplayring.h"
+#include "scanbuffer/window/windowfold.h"
+#include "scanbuffer/window/windowrelatedqobject.h"
 
 #include <optional>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/startup/terminationtarget.h"
-#include "valueclasses/realtimebuffer.h"
+#include "valueclasses/mapping/realtimebuffer.h"
 #include "valueclasses/valuemapping.h"
 
 #include <exception>
@@ -24,7 +24,7 @@ public:
 ///          nothing and takes one lock each for its time stamp, its samples and its end.
 /// Errors:  a negative or unknown channel throws before anything is written or recorded.
 template <typename Y, typename YHandler>
-    requires SampleHandler<YHandler, Y>
+requires SampleHandler<YHandler, Y>
 class SPECTREE_EXPORT FastValueMap : public ValueMap<Y, YHandler>,
                                      public IAbstractTerminationTarget {
 public:

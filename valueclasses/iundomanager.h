@@ -1,6 +1,6 @@
 #pragma once
 
-#include "valueclasses/icommand.h"
+#include "valueclasses/commands/icommand.h"
 
 namespace values {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "valueclasses/changecode.h"
-#include "valueclasses/icommand.h"
+#include "valueclasses/commands/icommand.h"
 #include "valueclasses/valuetype.h"
 
 #include <memory>

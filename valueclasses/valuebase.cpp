@@ -4,12 +4,12 @@
 #include "platform/base/kelmos.h"
 #include "platform/base/krexception.h"
 #include "platform/base/text.h"
+#include "valueclasses/commands/valuecommands.h"
 #include "valueclasses/itreeitem.h"
 #include "valueclasses/iundomanager.h"
 #include "valueclasses/ivaluedescriptormap.h"
 #include "valueclasses/notifydistinction.h"
 #include "valueclasses/valuebase_p.h"
-#include "valueclasses/valuecommands.h"
 
 #include <QCoreApplication>
 

@@ -2,7 +2,7 @@
 
 #include "platform/base/instancecounter.h"
 #include "platform/base/objecttimer.h"
-#include "valueclasses/command.h"
+#include "valueclasses/commands/command.h"
 #include "valueclasses/isupporttransaction.h"
 #include "valueclasses/ivalue.h"
 #include "valueclasses/valuetransaction.h"

@@ -2,10 +2,10 @@
 #include "platform/base/errorhandler.h"
 #include "platform/base/kelmos.h"
 #include "platform/base/sync.h"
+#include "valueclasses/commands/valuecommands.h"
 #include "valueclasses/notifydistinction.h"
 #include "valueclasses/valuebase.h"
 #include "valueclasses/valuebase_p.h"
-#include "valueclasses/valuecommands.h"
 
 namespace values {
 

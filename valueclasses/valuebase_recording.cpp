@@ -1,11 +1,11 @@
 // Recorded commands and command strings.
 #include "platform/base/bytes.h"
 #include "platform/base/krexception.h"
-#include "valueclasses/commandfield_p.h"
-#include "valueclasses/commandlistoptimizer.h"
+#include "valueclasses/commands/commandfield_p.h"
+#include "valueclasses/commands/commandlistoptimizer.h"
+#include "valueclasses/commands/valuecommands.h"
 #include "valueclasses/valuebase.h"
 #include "valueclasses/valuebase_p.h"
-#include "valueclasses/valuecommands.h"
 
 #include <algorithm>
 

@@ -1,9 +1,9 @@
 // Transactions, and the bracket that they leave in the undo stack.
 #include "platform/base/errorhandler.h"
+#include "valueclasses/commands/valuecommands.h"
 #include "valueclasses/iundomanager.h"
 #include "valueclasses/valuebase.h"
 #include "valueclasses/valuebase_p.h"
-#include "valueclasses/valuecommands.h"
 
 namespace values {
 

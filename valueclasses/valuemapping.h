@@ -1,8 +1,8 @@
 #pragma once
 
-#include "valueclasses/mappingbase.h"
-#include "valueclasses/samplepairs.h"
-#include "valueclasses/scanpersecond.h"
+#include "valueclasses/mapping/mappingbase.h"
+#include "valueclasses/mapping/scanpersecond.h"
+#include "valueclasses/samples/samplepairs.h"
 
 #include <optional>
 
@@ -14,7 +14,7 @@ namespace values {
 ///
 /// Threads: the thread that owns the tree. With both recordings off an operation allocates nothing.
 template <typename Y, typename YHandler>
-    requires SampleHandler<YHandler, Y>
+requires SampleHandler<YHandler, Y>
 class SPECTREE_EXPORT ValueMap : public MappingBaseMultiDimension<Y, YHandler>, public IObserver {
 public:
     using MappingBase::EndOfScan;

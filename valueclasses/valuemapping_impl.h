@@ -1,237 +1,234 @@
 #pragma once
 
 #include "platform/base/kelmos.h"
-#include "valueclasses/mappingnames_p.h"
-#include "valueclasses/samplecommands.h"
+#include "valueclasses/mapping/mappingnames_p.h"
+#include "valueclasses/mapping/samplecommands.h"
 #include "valueclasses/valuemapping.h"
 
 namespace values {
 
 template <typename Y, typename YHandler>
-    requires SampleHandler<YHandler, Y> ValueMap<Y, YHandler>::ValueMap(QString name,
-                                                                        TValueState state)
-        : MappingBaseMultiDimension<Y, YHandler>(std::move(name), state)
-    {
+requires SampleHandler<YHandler, Y> ValueMap<Y, YHandler>::ValueMap(QString name, TValueState state)
+    : MappingBaseMultiDimension<Y, YHandler>(std::move(name), state)
+{
+}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y> ValueType ValueMap<Y, YHandler>::GetType()
+const { return mappingNames(YHandler::GetId()).valueMap; }
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y> QString ValueMap<Y, YHandler>::GetTypeName()
+const { return QString::fromLatin1(mappingNames(YHandler::GetId()).valueMapName); }
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::Assign(const ValueBase &other)
+{
+    ValueBase::operator=(other);
+    if (const auto *map = dynamic_cast<const MappingBase *>(&other))
+        this->m_width4Interpolation = map->MappingBase::GetWidth4Interpolation(-1.0);
+}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+template <typename NewCommand, typename... Arguments>
+void ValueMap<Y, YHandler>::recordForBoth(const Arguments &...arguments)
+{
+    if (this->IsCommandRecording())
+        this->AddCommand(new NewCommand(this, nullptr, arguments...));
+    if (this->IsCommandRecordingForTransmission())
+        this->AddCommandForTransmission(new NewCommand(this, nullptr, arguments...));
+}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::SetXYValue(double x, const Y &y)
+{
+    recordForBoth<CommandSetXYValue<Y, YHandler>>(x, y);
+}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::SetXYValues(double x1, double x2, unsigned int count, const Y *y)
+{
+    if (count == 0)
+        return;
+    if (count == 1)
+        return SetXYValue(x1, *y);
+    recordForBoth<CommandSetXYValues<Y, YHandler>>(x1, x2, count, y);
+}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::SetXYValues(double x, double step, unsigned int count, const Y *y,
+                                        const unsigned short *index)
+{
+    recordForBoth<CommandSetXYValues2<Y, YHandler>>(x, step, count, y, index);
+}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::ClearXValue(double x) { recordForBoth<CommandClearXValue>(x); }
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::ClearRange(double from, double to)
+{
+    recordForBoth<CommandClearRange>(from, to);
+}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::InvalidateRange(double from, double to)
+{
+    recordForBoth<CommandInvalidateRange>(from, to);
+}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::ClearData() { recordForBoth<CommandClearData>(); }
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::CalcScanPerSecond(unsigned char argument)
+{
+    m_scanRate.emplace(argument);
+}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::recalcScanRate()
+{
+    if (m_scanRate && this->m_timeStamp != 0)
+        SetScanPerSecond(m_scanRate->Recalc(std::int64_t(this->m_timeStamp)));
+}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::EndOfScan()
+{
+    recalcScanRate();
+    recordForBoth<CommandEndOfScan>(KRTimeStamp(0));
+    this->NotifyObservers(CC_END_OF_SCAN, this);
+}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::EndOfScan(const KRTimeStamp & /*time*/) { EndOfScan(); }
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::EndOfHistory() { recordForBoth<CommandEndOfHistory>(); }
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::ResetGrowOnly() { recordForBoth<CommandResetGrowOnly>(); }
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::SetTimeStamp(const KRTimeStamp &time)
+{
+    this->m_timeStamp = time;
+    recordForBoth<CommandSetTimeStamp>(time);
+}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::SetScanPerSecond(const double &rate)
+{
+    this->m_scanPerSecond = rate;
+    recordForBoth<CommandSetScanPerSecond>(rate);
+}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::SetWidth4Interpolation(double width)
+{
+    this->m_width4Interpolation = width;
+    recordForBoth<CommandSetWidth4Interpolation>(width);
+}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::SetDataCompressMode(char mode)
+{
+    HandlerBase::SetDataCompressMode(mode);
+    if (this->IsCommandRecordingForTransmission())
+        this->AddCommandForTransmission(
+            new CommandSetDataCompressMode<Y, YHandler>(this, nullptr, mode));
+}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+    QString ValueMap<Y, YHandler>::Binary2FormattedString(int dimension, const char *bytes)
+{
+    bool ok = true;
+    Y sample = YHandler::FromBinary(&bytes, ok, 0); // one handler takes it as a plain reference
+    if (!ok || sample == YHandler::Minimum())
+        return QStringLiteral("---");
+    const QString unit = YHandler::GetLevelUnit();
+    QString text;
+    return YHandler::GetFormattedString(dimension, text, sample, 0, &unit);
+}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::HasChanged(TChangeCode code, IObserver *source)
+{
+    if (code == CC_MAPPING && m_createTimeStamp)
+        this->SetTimeStamp(KelmOS::Get().GetCurrentTime());
+    ValueBase::HasChanged(code, source);
+}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y> std::string
+ValueMap<Y, YHandler>::GetCommandStringForRecording(unsigned int mode)
+{
+    struct Restore {
+        char compressMode = HandlerBase::GetDataCompressMode();
+        ~Restore() { HandlerBase::SetDataCompressMode(compressMode); }
+    } const restore;
+    HandlerBase::SetDataCompressMode(DataRaw);
+    return ValueBase::GetCommandStringForRecording(mode);
+}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::Update(Observable * /*subject*/, TChangeCode /*code*/) {}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::AddObjectStateStringForTransmission(std::string &out, unsigned int mode)
+{
+    ValueBase::AddObjectStateStringForTransmission(out, mode);
+    CommandSetDataCompressMode<Y, YHandler>(this, nullptr, HandlerBase::GetDataCompressMode())
+        .AddCommandString(out, int(mode));
+    CommandSetWidth4Interpolation(this, nullptr, this->m_width4Interpolation)
+        .AddCommandString(out, int(mode));
+}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y> Command *
+ValueMap<Y, YHandler>::CreateNextCommand(int id, const char **pos, IObserver *source, int mode)
+{
+    switch (id) {
+    case 20:
+    case CommandSetXYValue<Y, YHandler>::kId:
+        return new CommandSetXYValue<Y, YHandler>(id, this, pos, source);
+    case 23:
+    case CommandSetXYValues<Y, YHandler>::kId:
+        return new CommandSetXYValues<Y, YHandler>(id, this, pos, source);
+    case 31:
+    case CommandSetXYValues2<Y, YHandler>::kId:
+        return new CommandSetXYValues2<Y, YHandler>(id, this, pos, source);
+    case CommandSetDataCompressMode<Y, YHandler>::kId:
+        return new CommandSetDataCompressMode<Y, YHandler>(id, this, pos, source);
+    default:
+        if (isMappingCommand(id))
+            return createMappingCommand(id, this, pos, source);
+        return ValueBase::CreateNextCommand(id, pos, source, mode);
     }
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y> ValueType ValueMap<Y, YHandler>::GetType()
-    const { return mappingNames(YHandler::GetId()).valueMap; }
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y> QString ValueMap<Y, YHandler>::GetTypeName()
-    const { return QString::fromLatin1(mappingNames(YHandler::GetId()).valueMapName); }
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y>
-    void ValueMap<Y, YHandler>::Assign(const ValueBase &other)
-    {
-        ValueBase::operator=(other);
-        if (const auto *map = dynamic_cast<const MappingBase *>(&other))
-            this->m_width4Interpolation = map->MappingBase::GetWidth4Interpolation(-1.0);
-    }
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y>
-    template <typename NewCommand, typename... Arguments>
-    void ValueMap<Y, YHandler>::recordForBoth(const Arguments &...arguments)
-    {
-        if (this->IsCommandRecording())
-            this->AddCommand(new NewCommand(this, nullptr, arguments...));
-        if (this->IsCommandRecordingForTransmission())
-            this->AddCommandForTransmission(new NewCommand(this, nullptr, arguments...));
-    }
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y>
-    void ValueMap<Y, YHandler>::SetXYValue(double x, const Y &y)
-    {
-        recordForBoth<CommandSetXYValue<Y, YHandler>>(x, y);
-    }
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y>
-    void ValueMap<Y, YHandler>::SetXYValues(double x1, double x2, unsigned int count, const Y *y)
-    {
-        if (count == 0)
-            return;
-        if (count == 1)
-            return SetXYValue(x1, *y);
-        recordForBoth<CommandSetXYValues<Y, YHandler>>(x1, x2, count, y);
-    }
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y>
-    void ValueMap<Y, YHandler>::SetXYValues(double x, double step, unsigned int count, const Y *y,
-                                            const unsigned short *index)
-    {
-        recordForBoth<CommandSetXYValues2<Y, YHandler>>(x, step, count, y, index);
-    }
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y>
-    void ValueMap<Y, YHandler>::ClearXValue(double x) { recordForBoth<CommandClearXValue>(x); }
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y>
-    void ValueMap<Y, YHandler>::ClearRange(double from, double to)
-    {
-        recordForBoth<CommandClearRange>(from, to);
-    }
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y>
-    void ValueMap<Y, YHandler>::InvalidateRange(double from, double to)
-    {
-        recordForBoth<CommandInvalidateRange>(from, to);
-    }
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y>
-    void ValueMap<Y, YHandler>::ClearData() { recordForBoth<CommandClearData>(); }
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y>
-    void ValueMap<Y, YHandler>::CalcScanPerSecond(unsigned char argument)
-    {
-        m_scanRate.emplace(argument);
-    }
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y>
-    void ValueMap<Y, YHandler>::recalcScanRate()
-    {
-        if (m_scanRate && this->m_timeStamp != 0)
-            SetScanPerSecond(m_scanRate->Recalc(std::int64_t(this->m_timeStamp)));
-    }
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y>
-    void ValueMap<Y, YHandler>::EndOfScan()
-    {
-        recalcScanRate();
-        recordForBoth<CommandEndOfScan>(KRTimeStamp(0));
-        this->NotifyObservers(CC_END_OF_SCAN, this);
-    }
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y>
-    void ValueMap<Y, YHandler>::EndOfScan(const KRTimeStamp & /*time*/) { EndOfScan(); }
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y>
-    void ValueMap<Y, YHandler>::EndOfHistory() { recordForBoth<CommandEndOfHistory>(); }
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y>
-    void ValueMap<Y, YHandler>::ResetGrowOnly() { recordForBoth<CommandResetGrowOnly>(); }
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y>
-    void ValueMap<Y, YHandler>::SetTimeStamp(const KRTimeStamp &time)
-    {
-        this->m_timeStamp = time;
-        recordForBoth<CommandSetTimeStamp>(time);
-    }
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y>
-    void ValueMap<Y, YHandler>::SetScanPerSecond(const double &rate)
-    {
-        this->m_scanPerSecond = rate;
-        recordForBoth<CommandSetScanPerSecond>(rate);
-    }
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y>
-    void ValueMap<Y, YHandler>::SetWidth4Interpolation(double width)
-    {
-        this->m_width4Interpolation = width;
-        recordForBoth<CommandSetWidth4Interpolation>(width);
-    }
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y>
-    void ValueMap<Y, YHandler>::SetDataCompressMode(char mode)
-    {
-        HandlerBase::SetDataCompressMode(mode);
-        if (this->IsCommandRecordingForTransmission())
-            this->AddCommandForTransmission(
-                new CommandSetDataCompressMode<Y, YHandler>(this, nullptr, mode));
-    }
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y>
-            QString ValueMap<Y, YHandler>::Binary2FormattedString(int dimension, const char *bytes)
-        {
-            bool ok = true;
-            Y sample =
-                YHandler::FromBinary(&bytes, ok, 0); // one handler takes it as a plain reference
-            if (!ok || sample == YHandler::Minimum())
-                return QStringLiteral("---");
-            const QString unit = YHandler::GetLevelUnit();
-            QString text;
-            return YHandler::GetFormattedString(dimension, text, sample, 0, &unit);
-        }
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y>
-    void ValueMap<Y, YHandler>::HasChanged(TChangeCode code, IObserver *source)
-    {
-        if (code == CC_MAPPING && m_createTimeStamp)
-            this->SetTimeStamp(KelmOS::Get().GetCurrentTime());
-        ValueBase::HasChanged(code, source);
-    }
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y> std::string
-        ValueMap<Y, YHandler>::GetCommandStringForRecording(unsigned int mode)
-        {
-            struct Restore {
-                char compressMode = HandlerBase::GetDataCompressMode();
-                ~Restore() { HandlerBase::SetDataCompressMode(compressMode); }
-            } const restore;
-            HandlerBase::SetDataCompressMode(DataRaw);
-            return ValueBase::GetCommandStringForRecording(mode);
-        }
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y>
-    void ValueMap<Y, YHandler>::Update(Observable * /*subject*/, TChangeCode /*code*/) {}
-
-    template <typename Y, typename YHandler>
-        requires SampleHandler<YHandler, Y>
-    void ValueMap<Y, YHandler>::AddObjectStateStringForTransmission(std::string &out,
-                                                                    unsigned int mode)
-    {
-        ValueBase::AddObjectStateStringForTransmission(out, mode);
-        CommandSetDataCompressMode<Y, YHandler>(this, nullptr, HandlerBase::GetDataCompressMode())
-            .AddCommandString(out, int(mode));
-        CommandSetWidth4Interpolation(this, nullptr, this->m_width4Interpolation)
-            .AddCommandString(out, int(mode));
-    }
-
-    template <typename Y, typename YHandler>
-    requires SampleHandler<YHandler, Y> Command *
-    ValueMap<Y, YHandler>::CreateNextCommand(int id, const char **pos, IObserver *source, int mode)
-    {
-        switch (id) {
-        case 20:
-        case CommandSetXYValue<Y, YHandler>::kId:
-            return new CommandSetXYValue<Y, YHandler>(id, this, pos, source);
-        case 23:
-        case CommandSetXYValues<Y, YHandler>::kId:
-            return new CommandSetXYValues<Y, YHandler>(id, this, pos, source);
-        case 31:
-        case CommandSetXYValues2<Y, YHandler>::kId:
-            return new CommandSetXYValues2<Y, YHandler>(id, this, pos, source);
-        case CommandSetDataCompressMode<Y, YHandler>::kId:
-            return new CommandSetDataCompressMode<Y, YHandler>(id, this, pos, source);
-        default:
-            if (isMappingCommand(id))
-                return createMappingCommand(id, this, pos, source);
-            return ValueBase::CreateNextCommand(id, pos, source, mode);
-        }
-    }
+}
 
 } // namespace values

@@ -1,7 +1,7 @@
 #include "apps/monitor/displaywindow.h"
 
 #include "platform/base/bytes.h"
-#include "scanbuffer/mdatawaterfall.h"
+#include "scanbuffer/messages/mdatawaterfall.h"
 
 #include <algorithm>
 #include <cmath>

@@ -3,7 +3,7 @@
 #include "apps/monitor/levelscale.h"
 #include "apps/monitor/spectrumdisplay.h"
 #include "platform/axis/axisdata.h"
-#include "valueclasses/channelrangedefinition.h"
+#include "valueclasses/channels/channelrangedefinition.h"
 
 #include <QByteArray>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "apps/receiver/input.h"
-#include "valueclasses/samplepairs.h"
+#include "valueclasses/samples/samplepairs.h"
 
 #include <algorithm>
 #include <cmath>

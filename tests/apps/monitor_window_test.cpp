@@ -1,6 +1,6 @@
 #include "apps/monitor/displaywindow.h"
 #include "platform/base/bytes.h"
-#include "scanbuffer/mdatawaterfall.h"
+#include "scanbuffer/messages/mdatawaterfall.h"
 
 #include <gtest/gtest.h>
 

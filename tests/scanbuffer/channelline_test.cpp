@@ -1,4 +1,4 @@
-#include "scanbuffer/channellinebuffer.h"
+#include "scanbuffer/lines/channellinebuffer.h"
 
 #include <gtest/gtest.h>
 

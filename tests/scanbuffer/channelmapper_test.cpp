@@ -1,4 +1,4 @@
-#include "scanbuffer/channelindextopixel.h"
+#include "scanbuffer/fold/channelindextopixel.h"
 
 #include <gtest/gtest.h>
 

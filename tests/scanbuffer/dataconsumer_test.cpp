@@ -1,7 +1,7 @@
 #include "../platform/transmission_rig.h"
 #include "platform/base/krexception.h"
 #include "scanbuffer/dataconsumer.h"
-#include "scanbuffer/mdata.h"
+#include "scanbuffer/messages/mdata.h"
 
 #include <gtest/gtest.h>
 #include <zmq.hpp>

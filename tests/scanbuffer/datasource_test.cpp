@@ -1,8 +1,8 @@
 #include "platform/startup/cfgcenter.h"
 #include "scanbuffer/scanbufferdatasource.h"
 #include "scanbuffer/scanbufferrepository.h"
-#include "scanbuffer/windowfactories.h"
-#include "scanbuffer/windowinbox.h"
+#include "scanbuffer/window/windowfactories.h"
+#include "scanbuffer/window/windowinbox.h"
 #include "windowrig.h"
 
 #include <QCoreApplication>

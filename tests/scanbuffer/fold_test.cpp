@@ -1,5 +1,5 @@
-#include "scanbuffer/foldkernels.h"
-#include "scanbuffer/windowfold_impl.h"
+#include "scanbuffer/fold/foldkernels.h"
+#include "scanbuffer/window/windowfold_impl.h"
 
 #include <gtest/gtest.h>
 

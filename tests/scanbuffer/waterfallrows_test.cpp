@@ -1,5 +1,5 @@
 #include "fakewindow.h"
-#include "scanbuffer/waterfallrows_impl.h"
+#include "scanbuffer/waterfall/waterfallrows_impl.h"
 
 #include <gtest/gtest.h>
 

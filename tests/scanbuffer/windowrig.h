@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/transmission/adapter.h"
-#include "scanbuffer/mdatawaterfall.h"
+#include "scanbuffer/messages/mdatawaterfall.h"
 #include "scanbuffer/scanbuffer_connector_scanline.h"
 #include "scanbuffer/scanbuffer_connector_statistics.h"
 #include "scanbuffer/scanbuffer_connector_waterfall.h"

@@ -1,7 +1,7 @@
 #include "platform/axis/axisdefinition.h"
 #include "platform/base/bytes.h"
 #include "platform/base/krexception.h"
-#include "valueclasses/channelrangedefinition.h"
+#include "valueclasses/channels/channelrangedefinition.h"
 
 #include <gtest/gtest.h>
 

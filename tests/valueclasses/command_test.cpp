@@ -1,8 +1,8 @@
 // Golden bytes of the fields and of the commands that every value understands.
 #include "platform/base/krexception.h"
-#include "valueclasses/streamformat.h"
+#include "valueclasses/commands/streamformat.h"
+#include "valueclasses/commands/valuecommands.h"
 #include "valueclasses/testvalue.h"
-#include "valueclasses/valuecommands.h"
 
 #include <gmock/gmock.h>
 

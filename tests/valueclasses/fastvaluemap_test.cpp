@@ -2,9 +2,9 @@
 // remembers.
 #include "platform/base/krexception.h"
 #include "platform/startup/cfgcenter.h"
+#include "valueclasses/channels/ichannelmapping.h"
 #include "valueclasses/fastvaluemap.h"
-#include "valueclasses/ichannelmapping.h"
-#include "valueclasses/samplecommands.h"
+#include "valueclasses/mapping/samplecommands.h"
 #include "valueclasses/samplegoldens.h"
 #include "valueclasses/testvalue.h"
 

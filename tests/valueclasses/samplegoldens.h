@@ -1,6 +1,6 @@
 #pragma once
 
-#include "valueclasses/samplepairs.h"
+#include "valueclasses/samples/samplepairs.h"
 
 #include <string>
 

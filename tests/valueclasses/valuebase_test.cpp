@@ -1,11 +1,11 @@
 #include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
-#include "valueclasses/commandlistoptimizer.h"
+#include "valueclasses/commands/commandlistoptimizer.h"
+#include "valueclasses/commands/valuecommands.h"
 #include "valueclasses/itreeitem.h"
 #include "valueclasses/iundomanager.h"
 #include "valueclasses/notifydistinction.h"
 #include "valueclasses/testvalue.h"
-#include "valueclasses/valuecommands.h"
 
 #include <QCoreApplication>
 #include <gmock/gmock.h>

@@ -1,0 +1,58 @@
+#include "scanbuffer/messages/mdatacontainer.h"
+
+#include "platform/base/bytes.h"
+#include "platform/base/krexception.h"
+
+#include <limits>
+
+namespace {
+
+constexpr auto kBroken = std::numeric_limits<std::size_t>::max();
+
+} // namespace
+
+MDataContainer::MDataContainer(const char **cursor) : MDataByteArray(cursor)
+{
+    SetType(MDT_Container);
+    if (!unpack())
+        throw KRException(QStringLiteral("A container doesn't unpack"), __FILE__, "MDataContainer",
+                          "MDataContainer", __LINE__);
+}
+
+void MDataContainer::addMData(const MData &message)
+{
+    if (m_additional == std::numeric_limits<short>::max())
+        throw KRException(QStringLiteral("A container is full"), __FILE__, "MDataContainer",
+                          "addMData", __LINE__);
+    unpack();
+    m_payload += QByteArray(message);
+    ++m_additional;
+}
+
+std::unique_ptr<MData> MDataContainer::getMData(short index) const
+{
+    if (index < 0 || index >= m_additional || !unpack())
+        return nullptr;
+    if (m_starts.size() != std::size_t(m_additional))
+        analyse();
+    const std::size_t start = m_starts[std::size_t(index)];
+    if (start == kBroken)
+        return nullptr;
+    return FromBinary(m_payload.constData() + start, std::int32_t(m_payload.size() - int(start)));
+}
+
+void MDataContainer::analyse() const
+{
+    m_starts.assign(std::size_t(m_additional), kBroken);
+    const Kelm::ReadScope scope(m_payload.constData(), std::size_t(m_payload.size()));
+    const char *cursor = m_payload.constData();
+    try {
+        for (std::size_t &start : m_starts) {
+            const char *const begin = cursor;
+            if (!parse(&cursor))
+                return;
+            start = std::size_t(begin - m_payload.constData());
+        }
+    } catch (const KRException &) { // a type that doesn't exist breaks the row as garbage does
+    }
+}

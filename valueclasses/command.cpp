@@ -1,9 +1,0 @@
-#include "valueclasses/command.h"
-
-namespace values {
-
-void Command::Execute() {}
-void Command::AddCommandString(std::string & /*out*/, int /*mode*/) const {}
-Command *Command::Clone() const { return new Command; }
-
-} // namespace values
