@@ -9,58 +9,48 @@ namespace {
 
 constexpr int kBytes = 32;
 
+/// What the kinds of numbers do differently; all of them pass as whole vectors of bytes.
 template <typename T>
 struct Lanes;
-template <>
-struct Lanes<char> {
-    using Signed = signed char;
-    static constexpr char kLowest = -128;
-    static __m256i max(__m256i a, __m256i b) { return _mm256_max_epi8(a, b); }
-    static __m256i above(__m256i a, __m256i b) { return _mm256_cmpgt_epi8(a, b); }
-    static __m256i spread(char value) { return _mm256_set1_epi8(value); }
-};
-template <>
-struct Lanes<short> {
-    static constexpr short kLowest = -32768;
-    static __m256i max(__m256i a, __m256i b) { return _mm256_max_epi16(a, b); }
-    static __m256i above(__m256i a, __m256i b) { return _mm256_cmpgt_epi16(a, b); }
-    static __m256i spread(short value) { return _mm256_set1_epi16(value); }
-};
-template <>
-struct Lanes<std::int32_t> {
-    static constexpr std::int32_t kLowest = -2147483647 - 1;
-    static __m256i max(__m256i a, __m256i b) { return _mm256_max_epi32(a, b); }
-    static __m256i above(__m256i a, __m256i b) { return _mm256_cmpgt_epi32(a, b); }
-    static __m256i spread(std::int32_t value) { return _mm256_set1_epi32(value); }
-};
-template <>
-struct Lanes<float> {
-    static constexpr float kLowest = -__builtin_inff();
-    static __m256i max(__m256i a, __m256i b)
-    {
-        return _mm256_castps_si256(_mm256_max_ps(_mm256_castsi256_ps(a), _mm256_castsi256_ps(b)));
-    }
-    static __m256i above(__m256i a, __m256i b)
-    {
-        return _mm256_castps_si256(
-            _mm256_cmp_ps(_mm256_castsi256_ps(a), _mm256_castsi256_ps(b), _CMP_GT_OQ));
-    }
-    static __m256i spread(float value) { return _mm256_castps_si256(_mm256_set1_ps(value)); }
-};
-template <>
-struct Lanes<double> {
-    static constexpr double kLowest = -__builtin_inf();
-    static __m256i max(__m256i a, __m256i b)
-    {
-        return _mm256_castpd_si256(_mm256_max_pd(_mm256_castsi256_pd(a), _mm256_castsi256_pd(b)));
-    }
-    static __m256i above(__m256i a, __m256i b)
-    {
-        return _mm256_castpd_si256(
-            _mm256_cmp_pd(_mm256_castsi256_pd(a), _mm256_castsi256_pd(b), _CMP_GT_OQ));
-    }
-    static __m256i spread(double value) { return _mm256_castpd_si256(_mm256_set1_pd(value)); }
-};
+
+#define SPECTREE_WHOLE_LANES(Number, kind, lowest)                                                 \
+    template <>                                                                                    \
+    struct Lanes<Number> {                                                                         \
+        static constexpr Number kLowest = lowest;                                                  \
+        static __m256i max(__m256i a, __m256i b) { return _mm256_max_##kind(a, b); }               \
+        static __m256i above(__m256i a, __m256i b) { return _mm256_cmpgt_##kind(a, b); }           \
+        static __m256i spread(Number value) { return _mm256_set1_##kind(value); }                  \
+        static __m256i withoutNan(__m256i y) { return y; }                                         \
+    };
+SPECTREE_WHOLE_LANES(char, epi8, -128)
+SPECTREE_WHOLE_LANES(short, epi16, -32768)
+SPECTREE_WHOLE_LANES(std::int32_t, epi32, -2147483647 - 1)
+#undef SPECTREE_WHOLE_LANES
+
+#define SPECTREE_REAL_LANES(Number, Vector, kind, lowest)                                          \
+    template <>                                                                                    \
+    struct Lanes<Number> {                                                                         \
+        static constexpr Number kLowest = lowest;                                                  \
+        static Vector real(__m256i y) { return _mm256_castsi256_##kind(y); }                       \
+        static __m256i bytes(Vector y) { return _mm256_cast##kind##_si256(y); }                    \
+        static __m256i max(__m256i a, __m256i b)                                                   \
+        {                                                                                          \
+            return bytes(_mm256_max_##kind(real(a), real(b)));                                     \
+        }                                                                                          \
+        static __m256i above(__m256i a, __m256i b)                                                 \
+        {                                                                                          \
+            return bytes(_mm256_cmp_##kind(real(a), real(b), _CMP_GT_OQ));                         \
+        }                                                                                          \
+        static __m256i spread(Number value) { return bytes(_mm256_set1_##kind(value)); }           \
+        static __m256i withoutNan(__m256i y)                                                       \
+        {                                                                                          \
+            const Vector isNumber = _mm256_cmp_##kind(real(y), real(y), _CMP_EQ_OQ);               \
+            return bytes(_mm256_blendv_##kind(_mm256_set1_##kind(kLowest), real(y), isNumber));    \
+        }                                                                                          \
+    };
+SPECTREE_REAL_LANES(float, __m256, ps, -__builtin_inff())
+SPECTREE_REAL_LANES(double, __m256d, pd, -__builtin_inf())
+#undef SPECTREE_REAL_LANES
 
 /// All ones, then all zeros: a load at kBytes - n gives a mask of the first n bytes.
 alignas(64) constexpr signed char kMaskBytes[2 * kBytes] = {
@@ -100,23 +90,7 @@ private:
         return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(samples));
     }
     /// NaN is above nothing and nothing is above it: the lowest number does the same.
-    static __m256i load(const T *samples) { return withoutNan(loadRaw(samples)); }
-    static __m256i withoutNan(__m256i y)
-    {
-        if constexpr (T(0.5) == T(0)) {
-            return y;
-        } else if constexpr (kSize == 4) {
-            const __m256 number = _mm256_castsi256_ps(y);
-            return _mm256_castps_si256(_mm256_blendv_ps(_mm256_castsi256_ps(L::spread(L::kLowest)),
-                                                        number,
-                                                        _mm256_cmp_ps(number, number, _CMP_EQ_OQ)));
-        } else {
-            const __m256d number = _mm256_castsi256_pd(y);
-            return _mm256_castpd_si256(_mm256_blendv_pd(_mm256_castsi256_pd(L::spread(L::kLowest)),
-                                                        number,
-                                                        _mm256_cmp_pd(number, number, _CMP_EQ_OQ)));
-        }
-    }
+    static __m256i load(const T *samples) { return L::withoutNan(loadRaw(samples)); }
     /// \a count samples, then lanes that are above nothing.
     static __m256i loadPart(const T *samples, std::uint32_t count, std::size_t readable)
     {
