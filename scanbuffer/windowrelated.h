@@ -104,8 +104,8 @@ public:
     void interpolate(bool interpolate) { m_interpolate = interpolate; }
     bool GetInterpolate() const { return m_interpolate; }
 
-    /// Lowest and highest value of a dimension over lines and pixels. Invalid samples never set the
-    /// low; nothing happens without pixels or lines.
+    /// Lowest and highest finite value of a dimension over lines and pixels. Invalid samples never
+    /// set the low; nothing happens without pixels or lines.
     void getYMinMax(const std::vector<int> &indexes, short dimension, int pixels, double &low,
                     double &high) const;
 
@@ -136,6 +136,7 @@ private:
     using Waterfall = ScanBufferAdapter_Waterfall<Y, YHandler>;
     using YRange = ScanBufferAdapter_YRange<Y, YHandler>;
     using Statistics = ScanBufferAdapter_Statistics<Y, YHandler>;
+    using Mapper = channelToPixel::ChannelIndexToPixelRangeMapper;
 
     bool isReading() const { return m_visible && !m_minimized && !m_measureMode && !m_static; }
     int pixelCount() const { return m_xAxis.GetPixelCnt(); }
@@ -150,7 +151,8 @@ private:
     void runAdapters();
     bool isCurveDrawnByWaterfall(const Waterfall &waterfall, const ScanLine &scanLine) const;
     void optimizeYRange();
-    void applyOptimizedRange(double low, double high);
+    void widenByLinesToDraw(std::optional<WindowLevels::Range> &range) const;
+    void applyOptimizedRange(WindowLevels::Range range);
     bool takeNewestTime(KRTimeStamp &seen) const;
 
     // The visit.
@@ -160,11 +162,12 @@ private:
     void visitNewData(const Access &access, std::uint64_t from, std::uint64_t to);
     void foldLine(const ChannelLine<Y, YHandler> &line, std::uint64_t id,
                   bool &finishedWithoutData);
+    ScanDisplayLine<Y> &rowToDraw(const ChannelLine<Y, YHandler> &line, std::uint64_t id);
     void visitReload(const Access &access);
     void sendBatches(const Access &access, std::uint64_t first, std::uint64_t last,
                      Waterfall &waterfall);
-    void foldWholeLine(const ChannelLine<Y, YHandler> &line, std::uint64_t id);
-    void widenByLines(double &low, double &high) const;
+    void sendBatch(Waterfall &waterfall, int mark);
+    Mapper mapperAt(const Access &access, std::uint64_t id, std::uint64_t &lastOfDefinition) const;
 
     // Cursors.
     int cursorLine() const;
@@ -174,7 +177,7 @@ private:
     std::shared_ptr<ScanBuffer<Y, YHandler>> m_scanBuffer;
     axisDefinition m_xAxis;
     values::ChannelRangeDefinition m_definition; // the one that the lines were built for
-    channelToPixel::ChannelIndexToPixelRangeMapper m_mapper;
+    Mapper m_mapper;
     ScanDisplayRing<Y, YHandler> m_ring;
     FoldRules m_foldRules;
 

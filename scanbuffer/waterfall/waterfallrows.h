@@ -24,9 +24,6 @@ concept WaterfallSource = requires(const Window &window, int index, short dimens
         window.GetThresholdActive()
         } -> std::same_as<bool>;
     {
-        window.GetThresholdActiveForLevel()
-        } -> std::same_as<bool>;
-    {
         window.GetThresholdLine()
         } -> std::same_as<const std::vector<double> &>;
     {

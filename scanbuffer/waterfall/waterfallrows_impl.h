@@ -79,8 +79,7 @@ void WaterfallRows<Y, YHandler>::takeRules(const Window &window, const Pass &pas
     rules.dimension = m_dimension;
     rules.skipNegative = m_skipNegative;
     rules.relative = pass.relative;
-    rules.thresholdActive =
-        window.GetThresholdActive() && (m_dimension != 0 || window.GetThresholdActiveForLevel());
+    rules.thresholdActive = window.GetThresholdActive();
     const std::vector<double> &thresholds = window.GetThresholdLine();
     m_painter.setRules(rules, pass.pixels,
                        {&thresholds, window.GetThreshold(int(thresholds.size()))},

@@ -17,8 +17,8 @@ struct ScanDisplayLine {
     std::vector<std::uint32_t> channelIds;     ///< the channel that set each pixel
     std::vector<std::int32_t> overwriteCounts; ///< how often each pixel was written
     bool finished = false;                     ///< the scan of this line has ended
-    KRTimeStamp timeStamp = 0;                 ///< the key of the line; 0 for an unused one
-    std::uint64_t channelLineId = 0;           ///< the scan that it shows
+    KRTimeStamp timeStamp = 0;                 ///< when the scan began; 0 if it has no time
+    std::uint64_t channelLineId = 0;           ///< the scan that it shows; 0 for an unused line
 
     ScanDisplayLine() = default;
     ScanDisplayLine(std::size_t pixels, const Y &minimum)

@@ -5,7 +5,8 @@
 
 namespace sbs {
 
-/// The ring of the newest folded scans of a window, found by their time stamps.
+/// The ring of the newest folded scans of a window, found by their time stamps. Ids of scans only
+/// rise, so they tell scans apart whose times are equal, or that have none (0).
 ///
 /// Threads: none of its own; the window's thread owns it. Once it has a width it takes no memory.
 template <typename Y, typename YHandler>
@@ -35,14 +36,16 @@ public:
     /// The line before the newest one, wrapping.
     int previousLine() const { return (m_current + kLineCount - 1) % kLineCount; }
 
-    /// The index of the finished line of \a time, kUnfinished or kNotFound.
+    /// The index of the finished line of \a time, kUnfinished or kNotFound. Time 0 is none's.
     int LineIndexState4Time(KRTimeStamp time) const;
-    /// The line of \a time, finished or not. Without one the next line of the ring becomes the
-    /// current one, begins with what the line before shows, and takes the time. \pre !empty()
-    int GetOrCreateLineIndex4Time(KRTimeStamp time);
+    /// The line of the scan \a channelLineId that began at \a time, finished or not. Without one
+    /// the next line of the ring becomes the current one, begins with what the line before shows,
+    /// and takes time and id. \pre !empty() and channelLineId != 0
+    int GetOrCreateLineIndex4Time(KRTimeStamp time, std::uint64_t channelLineId);
 
 private:
-    int find(KRTimeStamp time) const;
+    template <typename IsWanted>
+    int find(IsWanted isWanted) const;
 
     std::vector<ScanDisplayLine<Y>> m_lines;
     int m_current = 0;
@@ -68,30 +71,37 @@ void ScanDisplayRing<Y, YHandler>::clearValues()
 }
 
 template <typename Y, typename YHandler>
-int ScanDisplayRing<Y, YHandler>::find(KRTimeStamp time) const
+template <typename IsWanted>
+int ScanDisplayRing<Y, YHandler>::find(IsWanted isWanted) const
 {
-    for (int index = 0; index < size(); ++index)
-        if (line(index).timeStamp == time)
-            return index;
-    return kNotFound;
+    const auto found = std::find_if(m_lines.begin(), m_lines.end(), isWanted);
+    return found == m_lines.end() ? kNotFound : static_cast<int>(found - m_lines.begin());
 }
 
 template <typename Y, typename YHandler>
 int ScanDisplayRing<Y, YHandler>::LineIndexState4Time(KRTimeStamp time) const
 {
-    const int index = find(time);
+    if (time == 0)
+        return kNotFound;
+    const int index = find([time](const auto &line) { return line.timeStamp == time; });
     return index < 0 || line(index).finished ? index : kUnfinished;
 }
 
 template <typename Y, typename YHandler>
-int ScanDisplayRing<Y, YHandler>::GetOrCreateLineIndex4Time(KRTimeStamp time)
+int ScanDisplayRing<Y, YHandler>::GetOrCreateLineIndex4Time(KRTimeStamp time,
+                                                            std::uint64_t channelLineId)
 {
-    if (const int index = find(time); index >= 0)
+    const int index = find([=](const auto &line) {
+        return line.channelLineId == channelLineId && line.timeStamp == time;
+    });
+    if (index >= 0)
         return index;
     const ScanDisplayLine<Y> &previous = line(m_current);
     m_current = (m_current + 1) % kLineCount;
-    line(m_current).continueFrom(previous);
-    line(m_current).timeStamp = time;
+    ScanDisplayLine<Y> &current = line(m_current);
+    current.continueFrom(previous);
+    current.timeStamp = time;
+    current.channelLineId = channelLineId;
     return m_current;
 }
 

@@ -2,9 +2,9 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
 #include <new>
 #include <utility>
-#include <vector>
 
 namespace sbs {
 
@@ -13,24 +13,28 @@ namespace {
 /// Keeps the memory of notes that were delivered for those to come. Any thread.
 class NotePool {
 public:
+    /// All blocks have one size.
     void *take(std::size_t size)
     {
         const Kelm::MutexLocker locker(m_mutex);
-        if (m_free.empty())
-            return ::operator new(size);
-        void *const block = m_free.back();
-        m_free.pop_back();
-        return block;
+        if (m_free == nullptr)
+            return ::operator new(std::max(size, sizeof(Block)));
+        return std::exchange(m_free, m_free->next);
     }
-    void giveBack(void *block)
+    /// The list stands in the blocks themselves: a delete can't wait for memory.
+    void giveBack(void *memory) noexcept
     {
         const Kelm::MutexLocker locker(m_mutex);
-        m_free.push_back(block);
+        m_free = new (memory) Block{m_free};
     }
 
 private:
+    struct Block {
+        Block *next;
+    };
+
     Kelm::Mutex m_mutex;
-    std::vector<void *> m_free SPECTREE_GUARDED_BY(m_mutex);
+    Block *m_free SPECTREE_GUARDED_BY(m_mutex) = nullptr;
 };
 
 // Never destroyed: the thread of a window that outlives main() still gives its last note back.
@@ -45,7 +49,7 @@ class NoteEvent : public QEvent {
 public:
     NoteEvent() : QEvent(WindowInbox::noteType()) {}
     static void *operator new(std::size_t size) { return notePool().take(size); }
-    static void operator delete(void *block) { notePool().giveBack(block); }
+    static void operator delete(void *block) noexcept { notePool().giveBack(block); }
 };
 
 } // namespace
@@ -58,16 +62,21 @@ QEvent::Type WindowInbox::noteType()
     return type;
 }
 
-void WindowInbox::postNote()
+void WindowInbox::postNote() noexcept
 {
     if (m_pending.exchange(true, std::memory_order_acq_rel))
         return;
     const Kelm::MutexLocker locker(m_mutex);
     if (m_window == nullptr)
         return;
-    auto *const note = new NoteEvent;
-    Kelm::syncRelease(this);
-    QCoreApplication::postEvent(m_window, note);
+    try {
+        auto *const note = new NoteEvent;
+        Kelm::syncRelease(this);
+        QCoreApplication::postEvent(m_window, note);
+    } catch (const std::bad_alloc &) {
+        // The read timer finds the data too. Left pending, no note would ever be posted again.
+        m_pending.store(false, std::memory_order_release);
+    }
 }
 
 void WindowInbox::takeNote()

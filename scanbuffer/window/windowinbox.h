@@ -15,7 +15,7 @@ namespace sbs {
 ///
 /// Threads: the feeding thread brings news, the window's thread takes them. It outlives the window
 /// for as long as the feeding thread is in a call: hold it shared.
-/// Memory: none is taken for a note once two were under way.
+/// Memory: none is taken for a note once two were under way. Without memory a note is left out.
 class SPECTREE_EXPORT WindowInbox {
 public:
     /// Notes go to \a window as events of noteType(), until close().
@@ -23,7 +23,7 @@ public:
     static QEvent::Type noteType();
 
     /// Posts a note unless one is on its way. Any thread.
-    void postNote();
+    void postNote() noexcept;
     /// A note has arrived: from now on the next one is posted. To be called before the buffer is
     /// read, so that nothing is missed.
     void takeNote();
@@ -36,7 +36,7 @@ public:
 
     struct ScanRates {
         double sum = 0.0;
-        int count = 0;
+        std::uint64_t count = 0;
     };
     void addScanRate(double scansPerSecond);
     /// What was added since the last call.

@@ -1,6 +1,7 @@
 #include "scanbuffer/window/windowkeeper.h"
 
 #include "platform/base/errorhandler.h"
+#include "platform/base/krexception.h"
 #include "scanbuffer/window/windowrelatedqobject.h"
 
 #include <future>
@@ -65,8 +66,10 @@ WindowRelatedQObject *WindowKeeper::createOrGet(const QString &winGUID)
 
 WindowKeeper::Entry WindowKeeper::start(const QString &winGUID)
 {
-    WindowRelatedQObject *const window = m_makeWindow(winGUID).release();
-    auto *const thread = new QThread;
+    std::unique_ptr<WindowRelatedQObject> ownedWindow = m_makeWindow(winGUID);
+    auto ownedThread = std::make_unique<QThread>();
+    WindowRelatedQObject *const window = ownedWindow.get();
+    QThread *const thread = ownedThread.get();
     thread->setObjectName(QStringLiteral("window %1").arg(winGUID));
     thread->moveToThread(m_home.thread());
     window->moveToThread(thread);
@@ -83,10 +86,16 @@ WindowKeeper::Entry WindowKeeper::start(const QString &winGUID)
     QObject::connect(window, &QObject::destroyed, [thread] { Kelm::syncRelease(thread); });
     Kelm::syncRelease(window);
     thread->start();
+    if (!thread->isRunning())
+        throw KRException(
+            QStringLiteral("The system gives no thread for window %1: close other windows or "
+                           "programs, or raise the limits of memory and threads")
+                .arg(winGUID),
+            __FILE__, "WindowKeeper", "start", __LINE__);
     // Before its event loop stands, a thread loses the wish to quit.
     running.get_future().wait();
     Kelm::syncAcquire(&running);
-    return {window, thread};
+    return {ownedWindow.release(), ownedThread.release()};
 }
 
 void WindowKeeper::end(Entry &entry)

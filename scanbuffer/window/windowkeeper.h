@@ -32,6 +32,7 @@ public:
     ~WindowKeeper();
 
     /// The window of a GUID; one that was removed is made anew.
+    /// \throws KRException when the system gives no thread; the next call tries again.
     WindowRelatedQObject *createOrGet(const QString &winGUID);
     /// Lets the window's thread end; does not wait for it. Traces, also for an unknown GUID.
     void remove(const QString &winGUID);

@@ -3,7 +3,8 @@
 // What a window does on its timers and when the buffer has news.
 #include "scanbuffer/window/windowrelated_impl.h"
 
-#include <exception>
+#include <cmath>
+#include <limits>
 
 namespace sbs {
 
@@ -31,7 +32,7 @@ void WindowRelated<Y, YHandler>::readNewData()
     if (m_reading)
         return;
     const Detail::FlagScope reading(m_reading);
-    try {
+    const bool passed = this->guarded("A pass", [this] {
         takeScanRates();
         if (!isReading()) {
             m_resetPending = true;
@@ -41,12 +42,9 @@ void WindowRelated<Y, YHandler>::readNewData()
         m_scanBuffer->accept(*this);
         if (std::exchange(m_newData, false))
             runAdapters();
-    } catch (const std::exception &error) {
-        // It must not reach the event loop. The next pass begins afresh.
-        m_needsInitialization = true;
-        SPECTREE_TRACE(TraceWarnings, QStringLiteral("A pass of window %1 failed: %2")
-                                          .arg(WinGUID(), QString::fromUtf8(error.what())));
-    }
+    });
+    if (!passed)
+        m_needsInitialization = true; // the next pass begins afresh
     if (m_unread)
         postPass();
 }
@@ -60,7 +58,8 @@ void WindowRelated<Y, YHandler>::runAdapters()
         Q_EMIT signalRemoveWindowData(WinGUID());
         return;
     }
-    if (waterfall && scanLine && waterfall->IsVisible())
+    const bool waterfallSends = waterfall && waterfall->IsVisible();
+    if (waterfallSends && scanLine)
         m_drawScanLineByWaterfall = isCurveDrawnByWaterfall(*waterfall, *scanLine);
     const int pixels = pixelCount();
     if (pixels == 0 || m_linesToDraw.empty())
@@ -71,7 +70,8 @@ void WindowRelated<Y, YHandler>::runAdapters()
         waterfall->process(m_linesToDraw, m_timesToDraw, pixels,
                            static_cast<int>(m_linesToDraw.size()), m_applyRefLine,
                            m_drawScanLineByWaterfall, 0);
-    if (scanLine && !m_drawScanLineByWaterfall)
+    // A waterfall that has gone or is hidden draws no curve.
+    if (scanLine && !(waterfallSends && m_drawScanLineByWaterfall))
         scanLine->process(m_linesToDraw, pixels, m_applyRefLine);
 }
 
@@ -89,20 +89,35 @@ void WindowRelated<Y, YHandler>::optimizeYRange()
 {
     if (!m_optimizeY.front())
         return;
-    double low = 0.0, high = 0.0;
-    getYMinMax(m_linesToDraw, 0, pixelCount(), low, high);
-    if (low == high)
+    std::optional<WindowLevels::Range> range;
+    widenByLinesToDraw(range);
+    if (!range)
         return;
-    applyOptimizedRange(low, high);
+    applyOptimizedRange(*range);
     m_optimizeY.front() = false;
 }
 
+/// Flat lines say nothing of a range.
 template <typename Y, typename YHandler>
-void WindowRelated<Y, YHandler>::applyOptimizedRange(double low, double high)
+void WindowRelated<Y, YHandler>::widenByLinesToDraw(std::optional<WindowLevels::Range> &range) const
 {
-    const double margin = (high - low) / 10.0;
-    SetYRange(low - margin, high + margin, 0);
-    Q_EMIT signalStartStopRecalculated(low - margin, high + margin, 0);
+    double low = 0.0, high = 0.0;
+    getYMinMax(m_linesToDraw, 0, pixelCount(), low, high);
+    if (low != high)
+        range = range ? std::pair(std::min(range->first, low), std::max(range->second, high))
+                      : std::pair(low, high);
+}
+
+template <typename Y, typename YHandler>
+void WindowRelated<Y, YHandler>::applyOptimizedRange(WindowLevels::Range range)
+{
+    using Limits = std::numeric_limits<double>;
+    // Divided first: the distance of two doubles may be more than a double holds.
+    const double margin = range.second / 10.0 - range.first / 10.0;
+    const double low = std::max(range.first - margin, Limits::lowest());
+    const double high = std::min(range.second + margin, Limits::max());
+    SetYRange(low, high, 0);
+    Q_EMIT signalStartStopRecalculated(low, high, 0);
 }
 
 template <typename Y, typename YHandler>
@@ -118,6 +133,8 @@ void WindowRelated<Y, YHandler>::getYMinMax(const std::vector<int> &indexes, sho
         const std::size_t count = std::min(line.size(), static_cast<std::size_t>(pixels));
         for (std::size_t pixel = 0; pixel < count; ++pixel) {
             const double y = YHandler::GetDimension(dimension, line[pixel]);
+            if (!std::isfinite(y))
+                continue; // once NaN or infinite, a limit would stay so
             if (low == start || (y < low && y > start))
                 low = y;
             if (y > high)

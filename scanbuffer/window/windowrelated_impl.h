@@ -7,6 +7,7 @@
 #include "scanbuffer/scanbuffer_connector_waterfall.h"
 #include "scanbuffer/scanbuffer_connector_xrange.h"
 #include "scanbuffer/scanbuffer_connector_yrange.h"
+#include "scanbuffer/window/scanspersecondrouter.h"
 #include "scanbuffer/window/windowadapter_impl.h"
 #include "scanbuffer/windowrelated.h"
 
@@ -20,7 +21,10 @@ WindowRelated<Y, YHandler>::WindowRelated(std::shared_ptr<ScanBuffer<Y, YHandler
                                           ScanBufferSizeManager *sizeManager)
     : WindowRelatedQObject(winGUID, sizeManager), m_scanBuffer(std::move(scanBuffer))
 {
-    m_xAxis.init(1e7, 1.1e7, 1000);
+    m_xAxis.init(1e7, 1.1e7, m_requestedPixels);
+    // The buffer that this window holds keeps its manager alive.
+    if (sizeManager != nullptr && sizeManager == m_scanBuffer->getSizeManager())
+        this->reportDirectlyTo(*sizeManager);
     SPECTREE_TRACE(TraceLifecycle, QStringLiteral("WRel: %1 created").arg(winGUID));
 }
 
@@ -31,6 +35,7 @@ WindowRelated<Y, YHandler>::~WindowRelated()
         QStringLiteral("WindowRelated<Y, YHandler>::~WindowRelated(): winGUID %1").arg(WinGUID()));
     this->stopListening();
     this->dropAdapters();
+    this->tellAdaptersDeleted();
     SetWindowVisible(false);
 }
 
@@ -51,6 +56,7 @@ void WindowRelated<Y, YHandler>::registerAdapter(std::weak_ptr<Adapter> weakAdap
     const std::shared_ptr<Adapter> adapter = weakAdapter.lock();
     if (!adapter)
         return;
+    this->noteAdapter(adapter->identity());
     if (const auto xRange = adopt<XRange>(adapter)) {
         m_xRangeAdapter = xRange;
         Q_EMIT signalAdapterCreated(xRange.get());
@@ -65,8 +71,7 @@ void WindowRelated<Y, YHandler>::registerAdapter(std::weak_ptr<Adapter> weakAdap
         QObject::connect(this, &WindowRelatedQObject::signalStartStopRecalculated, yRange.get(),
                          &ScanBufferAdapterBase_YRange::slotStartStopRecalculated);
     } else if (const auto statistics = adopt<Statistics>(adapter)) {
-        QObject::connect(this, &WindowRelatedQObject::signalScansPerSecond, statistics.get(),
-                         &ScanBufferAdapterBase_Statistics::slotScansPerSecond);
+        new ScansPerSecondRouter(*this, *statistics, statistics.get()); // goes with its parent
         m_statisticsAdapter = statistics;
     } else {
         registerTimedAdapter(std::dynamic_pointer_cast<IDataSourceAdapter>(adapter));

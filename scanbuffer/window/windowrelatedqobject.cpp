@@ -6,9 +6,10 @@
 #include "platform/base/types.h"
 #include "scanbuffer/idatasourceadapter.h"
 #include "scanbuffer/scanbufferqobject.h"
+#include "scanbuffer/scanbuffersizemanager.h"
 #include "scanbuffer/window/windowinbox.h"
 
-#include <limits>
+#include <algorithm>
 
 namespace sbs {
 
@@ -44,8 +45,10 @@ WindowRelatedQObject::WindowRelatedQObject(const QString &winGUID,
 {
     registerSignalTypes();
     connect(&m_readTimer, &QTimer::timeout, this, &WindowRelatedQObject::onReadTimer);
-    connect(&m_xRulerTimer, &QTimer::timeout, this, [this] { processXRuler(); });
-    connect(&m_systemInfoTimer, &QTimer::timeout, this, [this] { processSystemInfo(); });
+    connect(&m_xRulerTimer, &QTimer::timeout, this,
+            [this] { guarded("A pass for markers", [this] { processXRuler(); }); });
+    connect(&m_systemInfoTimer, &QTimer::timeout, this,
+            [this] { guarded("A pass for statistics", [this] { processSystemInfo(); }); });
 }
 
 WindowRelatedQObject::~WindowRelatedQObject() { stopListening(); }
@@ -103,8 +106,10 @@ void WindowRelatedQObject::takeScanRates()
     const WindowInbox::ScanRates rates = m_inbox->takeScanRates();
     if (rates.count == 0)
         return;
-    const double mean = rates.sum / rates.count;
-    for (int scan = 0; scan < rates.count; ++scan)
+    // The compression takes means of 101: more than two of them say nothing new.
+    constexpr std::uint64_t kMostSamples = 202;
+    const double mean = rates.sum / static_cast<double>(rates.count);
+    for (std::uint64_t scan = 0; scan < std::min(rates.count, kMostSamples); ++scan)
         slotScansPerSecond(mean);
     Q_EMIT signalScansPerSecond(mean);
 }
@@ -118,13 +123,14 @@ void WindowRelatedQObject::slotScansPerSecond(double scansPerSecond)
 void WindowRelatedQObject::slotWorkerThreadStarted()
 {
     Kelm::syncAcquire(this);
-    m_compression = std::make_unique<CompressionHandler>();
-    connect(&m_compression->details(), &CompressionDetails::signalTimeSlotsChanged, this,
-            &WindowRelatedQObject::slotTimerChanged);
-    connect(m_compression.get(), &CompressionHandler::signalCompressionChanged, this,
-            &WindowRelatedQObject::slotCompressionChanged);
-    startTimers();
-    InitBuffer();
+    guarded("The start", [this] {
+        m_compression = std::make_unique<CompressionHandler>();
+        connect(&m_compression->details(), &CompressionDetails::signalTimeSlotsChanged, this,
+                &WindowRelatedQObject::slotTimerChanged);
+        connect(m_compression.get(), &CompressionHandler::signalCompressionChanged, this,
+                &WindowRelatedQObject::slotCompressionChanged);
+        startTimers();
+    });
 }
 
 void WindowRelatedQObject::startTimers()
@@ -133,6 +139,7 @@ void WindowRelatedQObject::startTimers()
     m_systemInfoTimer.start();
     m_readTimer.start();
     m_xRulerTimer.start();
+    InitBuffer();
 }
 
 void WindowRelatedQObject::setIntervals()
@@ -154,15 +161,36 @@ void WindowRelatedQObject::stopTimers()
 void WindowRelatedQObject::onReadTimer()
 {
     readNewData();
-    processCompression();
+    guarded("A pass for the compression", [this] { processCompression(); });
 }
 
 void WindowRelatedQObject::slotTimerChanged()
 {
     setIntervals();
     readNewData();
-    processXRuler();
-    processSystemInfo();
+    guarded("A pass for markers and statistics", [this] {
+        processXRuler();
+        processSystemInfo();
+    });
+}
+
+void WindowRelatedQObject::traceFailure(const char *what, const std::exception &error) noexcept
+{
+    constexpr qint64 kMillisecondsBetween = 1000;
+    ++m_failures;
+    if (m_sinceFailureTrace.isValid() && m_sinceFailureTrace.elapsed() < kMillisecondsBetween)
+        return;
+    m_sinceFailureTrace.start();
+    try {
+        SPECTREE_TRACE(TraceWarnings,
+                       QStringLiteral("%1 of window %2 failed: %3 (failures since the last note: "
+                                      "%4)")
+                           .arg(QString::fromUtf8(what), m_winGUID, QString::fromUtf8(error.what()))
+                           .arg(m_failures));
+    } catch (const std::exception &) {
+        return; // no memory for a note either: counted in the next one
+    }
+    m_failures = 0;
 }
 
 const CompressionDetails *WindowRelatedQObject::details() const
@@ -233,7 +261,28 @@ void WindowRelatedQObject::slotReload(double x1, double x2, KRTimeStamp time,
 
 void WindowRelatedQObject::unregisterAdapter(const QByteArray &identity)
 {
+    m_adapterIds.erase(identity);
     Q_EMIT signalAdapterDeleted(QString::fromUtf8(identity));
+}
+
+void WindowRelatedQObject::tellAdaptersDeleted()
+{
+    for (const QByteArray &identity : std::exchange(m_adapterIds, {}))
+        Q_EMIT signalAdapterDeleted(QString::fromUtf8(identity));
+}
+
+void WindowRelatedQObject::reportDirectlyTo(const ScanBufferSizeManager &manager)
+{
+    using Client = ScanBufferSizeManagerClient;
+    using Manager = ScanBufferSizeManager;
+    const Kelm::QtGate gate;
+    // Both, so that a reset still comes before the access that it belongs to.
+    disconnect(this, &Client::signalLastAccessedID, &manager, &Manager::slotLastAccessedID);
+    disconnect(this, &Client::signalResetHistory, &manager, &Manager::slotResetHistory);
+    connect(this, &Client::signalLastAccessedID, &manager, &Manager::slotLastAccessedID,
+            Qt::DirectConnection);
+    connect(this, &Client::signalResetHistory, &manager, &Manager::slotResetHistory,
+            Qt::DirectConnection);
 }
 
 void WindowRelatedQObject::SetMeasureMode(bool measure)

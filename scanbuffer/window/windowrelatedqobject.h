@@ -10,9 +10,12 @@
 #include "scanbuffer/window/windowlevels.h"
 #include "valueclasses/channels/channelrangedefinition.h"
 
+#include <QElapsedTimer>
 #include <QTimer>
 
+#include <exception>
 #include <memory>
+#include <set>
 #include <vector>
 
 namespace sbs {
@@ -45,13 +48,8 @@ public:
 
     /// Builds what depends on channels, axis and compression anew; nothing without channels.
     virtual void InitBuffer() = 0;
-    /// Whether the threshold hides the level, and whether it hides another dimension.
-    bool GetThresholdActiveForLevel() const { return m_levels.GetThresholdActiveForLevel(); }
-    bool GetThresholdActive() const { return m_levels.GetThresholdActive(); }
-    bool GetThresholdActive(short dimension) const
-    {
-        return m_levels.GetThresholdActive(dimension);
-    }
+    /// Whether the threshold hides anything.
+    virtual bool GetThresholdActive() const { return m_levels.GetThresholdActive(); }
     /// Asks for another part of the x-axis and another number of pixels. An equal range changes
     /// nothing; one that makes no axis is traced and left out.
     virtual void SetXRange(const AxisData &range) = 0;
@@ -77,6 +75,15 @@ public:
     virtual void processSystemInfo() = 0;
     virtual void SetUseAxisCalculatorForWidget(bool use) = 0;
     virtual bool GetUseAxisCalculatorForWidget() const = 0;
+    /// Whether the threshold counts for \a dimension: dimension 0, the level, has its own switch.
+    virtual bool GetThresholdActive(short dimension) const
+    {
+        return m_levels.GetThresholdActive(dimension);
+    }
+    virtual bool GetThresholdActiveForLevel() const
+    {
+        return m_levels.GetThresholdActiveForLevel();
+    }
 
     /// The axis that the lines are folded to.
     virtual const axisDefinition &GetXAxis() const = 0;
@@ -163,6 +170,7 @@ protected:
 
     /// Null before the window's thread runs.
     const CompressionDetails *details() const;
+    /// Starts them at the intervals of the compression, and the ring with them.
     void startTimers();
     void setIntervals();
     void stopTimers();
@@ -175,12 +183,33 @@ protected:
     void takeScanRates();
     /// The adapter that tells the client of the compression gets its tick.
     virtual void processCompression() = 0;
+    /// Remembers an adapter of this window, until it is unregistered.
+    void noteAdapter(const QByteArray &identity) { m_adapterIds.insert(identity); }
+    /// Tells of the adapters that went with the window.
+    void tellAdaptersDeleted();
+    /// From now on signal_LastAccessedID() calls \a manager instead of posting to it, so that a
+    /// pass takes no memory. \pre the manager lives as long as passes are run
+    void reportDirectlyTo(const ScanBufferSizeManager &manager);
+
+    /// Runs \a work; an exception must not reach the event loop, which would end the process.
+    /// Returns whether it ran to its end.
+    template <typename Work>
+    bool guarded(const char *what, Work work)
+    {
+        try {
+            work();
+            return true;
+        } catch (const std::exception &error) {
+            traceFailure(what, error);
+            return false;
+        }
+    }
 
     bool m_static = false;
     bool m_measureMode = false;
     bool m_needsInitialization = true;
     int m_pendingReinitialization = 1; // not 0: the adapters have to be told the axis
-    short m_requestedPixels = 100;
+    short m_requestedPixels = 1000;    // those of the axis, as long as nobody asks for another
     bool m_applyRefLine = false;
     std::vector<bool> m_optimizeY{false}; // one bit a dimension
     WindowLevels m_levels;
@@ -189,6 +218,8 @@ private:
     void onReadTimer();
     bool isReadTimerDue() const;
     void compressionSettingsChanged(bool raised);
+    /// One line a second at most, with the number of failures since the last.
+    void traceFailure(const char *what, const std::exception &error) noexcept;
 
     const QString m_winGUID;
     const std::shared_ptr<WindowInbox> m_inbox;
@@ -198,6 +229,9 @@ private:
     std::unique_ptr<CompressionHandler> m_compression; // lives on the window's thread
     double m_traffic = 0.0;
     KRTimeStamp m_previousTrafficTime = 0;
+    std::set<QByteArray> m_adapterIds;
+    QElapsedTimer m_sinceFailureTrace;
+    std::uint64_t m_failures = 0; // that were not traced yet
 };
 
 } // namespace sbs

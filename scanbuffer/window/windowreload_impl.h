@@ -29,12 +29,7 @@ void WindowRelated<Y, YHandler>::reload(double x1, double x2, KRTimeStamp time, 
     if (m_reading)
         return; // the pass that is running takes it, or the next one
     const Detail::FlagScope reading(m_reading);
-    try {
-        m_scanBuffer->accept(*this);
-    } catch (const std::exception &error) {
-        SPECTREE_TRACE(TraceWarnings, QStringLiteral("A reload of window %1 failed: %2")
-                                          .arg(WinGUID(), QString::fromUtf8(error.what())));
-    }
+    this->guarded("A reload", [this] { m_scanBuffer->accept(*this); });
 }
 
 template <typename Y, typename YHandler>
@@ -56,7 +51,22 @@ void WindowRelated<Y, YHandler>::visitReload(const Access &access)
         last = end - 1;
     }
     waterfall->resetCurrentTimeStamp();
+    // A row that stood in the ring already would be overwritten while its batch still counts on it.
+    m_ring.init(static_cast<std::size_t>(pixelCount()));
+    m_segmentsDone = m_segmentLineId = m_finishedLineId = 0; // nor does it hold the live scan now
     sendBatches(access, first, last, *waterfall);
+}
+
+/// Lines of an older definition are mapped by that one.
+template <typename Y, typename YHandler>
+auto WindowRelated<Y, YHandler>::mapperAt(const Access &access, std::uint64_t id,
+                                          std::uint64_t &lastOfDefinition) const -> Mapper
+{
+    std::uint64_t first = id;
+    lastOfDefinition = id;
+    const values::ChannelRangeDefinition &definition =
+        access.getChannelRangeDefinition(id, first, lastOfDefinition);
+    return definition == m_definition ? m_mapper : Mapper(definition, m_xAxis);
 }
 
 template <typename Y, typename YHandler>
@@ -66,55 +76,41 @@ void WindowRelated<Y, YHandler>::sendBatches(const Access &access, std::uint64_t
     const auto batch = static_cast<std::size_t>(
         std::min({m_ring.size(), int(Detail::kMaximumBatch), int(m_reload.lineCount)}));
     int mark = 0;
-    double low = 0.0, high = 0.0;
+    std::optional<WindowLevels::Range> range;
+    Mapper mapper;
+    std::uint64_t lastOfDefinition = 0;
     m_timesToDraw.clear();
     m_linesToDraw.clear();
     for (std::uint64_t id = first; id <= last; ++id) {
-        foldWholeLine(access.getChannelLine(id), id);
-        widenByLines(low, high);
+        if (id > lastOfDefinition)
+            mapper = mapperAt(access, id, lastOfDefinition);
+        const ChannelLine<Y, YHandler> &line = access.getChannelLine(id);
+        fold<Y, YHandler>(line.spectralData(), mapper, rowToDraw(line, id), 0, line.size() - 1,
+                          m_foldRules);
         if (m_linesToDraw.size() < batch && id != last)
             continue;
         if (id == last)
             mark = mark == 0 ? Detail::kOnlyBatch : Detail::kLastBatch;
         else
             mark = std::min(mark + 1, Detail::kLastBatch - 1);
-        std::reverse(m_timesToDraw.begin(), m_timesToDraw.end());
-        std::reverse(m_linesToDraw.begin(), m_linesToDraw.end());
-        waterfall.process(m_linesToDraw, m_timesToDraw, pixelCount(),
-                          static_cast<int>(m_linesToDraw.size()), m_applyRefLine, false, mark);
-        m_timesToDraw.clear();
-        m_linesToDraw.clear();
+        if (m_optimizeY.front())
+            widenByLinesToDraw(range);
+        sendBatch(waterfall, mark);
     }
-    if (m_optimizeY.front() && low != high)
-        applyOptimizedRange(low, high);
+    if (range)
+        applyOptimizedRange(*range);
     m_optimizeY.front() = false;
 }
 
 template <typename Y, typename YHandler>
-void WindowRelated<Y, YHandler>::foldWholeLine(const ChannelLine<Y, YHandler> &line,
-                                               std::uint64_t id)
+void WindowRelated<Y, YHandler>::sendBatch(Waterfall &waterfall, int mark)
 {
-    const KRTimeStamp time = line.getFirstTimeStamp();
-    const int index = m_ring.GetOrCreateLineIndex4Time(time);
-    m_ring.line(index).channelLineId = id;
-    m_timesToDraw.push_back(time);
-    m_linesToDraw.push_back(index);
-    DoScanTransition(line.spectralData(), m_ring.line(index), 0, line.size() - 1);
-}
-
-/// Flat lines say nothing of a range.
-template <typename Y, typename YHandler>
-void WindowRelated<Y, YHandler>::widenByLines(double &low, double &high) const
-{
-    if (!m_optimizeY.front())
-        return;
-    double lineLow = 0.0, lineHigh = 0.0;
-    getYMinMax({m_linesToDraw.back()}, 0, pixelCount(), lineLow, lineHigh);
-    if (lineLow == lineHigh)
-        return;
-    const bool isFirst = low == high;
-    low = isFirst ? lineLow : std::min(low, lineLow);
-    high = isFirst ? lineHigh : std::max(high, lineHigh);
+    std::reverse(m_timesToDraw.begin(), m_timesToDraw.end());
+    std::reverse(m_linesToDraw.begin(), m_linesToDraw.end());
+    waterfall.process(m_linesToDraw, m_timesToDraw, pixelCount(),
+                      static_cast<int>(m_linesToDraw.size()), m_applyRefLine, false, mark);
+    m_timesToDraw.clear();
+    m_linesToDraw.clear();
 }
 
 } // namespace sbs

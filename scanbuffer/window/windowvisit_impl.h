@@ -107,14 +107,12 @@ template <typename Y, typename YHandler>
 void WindowRelated<Y, YHandler>::foldLine(const ChannelLine<Y, YHandler> &line, std::uint64_t id,
                                           bool &finishedWithoutData)
 {
-    const KRTimeStamp time = line.getFirstTimeStamp();
-    const int index = m_ring.GetOrCreateLineIndex4Time(time);
-    ScanDisplayLine<Y> &row = m_ring.line(index);
-    row.channelLineId = id;
-    m_timesToDraw.push_back(time);
-    m_linesToDraw.push_back(index);
-
     const auto &segments = line.getHistory();
+    if (segments.empty() && line.getFirstTimeStamp() == 0) {
+        finishedWithoutData |= line.isFinished();
+        return; // the end of a scan that never began: a row for it would be blank
+    }
+    ScanDisplayLine<Y> &row = rowToDraw(line, id);
     const std::size_t done = id == m_segmentLineId ? m_segmentsDone : 0;
     for (std::size_t segment = done; segment < segments.size(); ++segment) {
         const auto [first, count] = segments[segment];
@@ -134,6 +132,18 @@ void WindowRelated<Y, YHandler>::foldLine(const ChannelLine<Y, YHandler> &line, 
         row.finished = true; // without counts nobody can tell what the scan didn't reach
     else
         row.finish(YHandler::Minimum());
+}
+
+/// The row of a scan in the ring, noted for the adapters.
+template <typename Y, typename YHandler>
+ScanDisplayLine<Y> &WindowRelated<Y, YHandler>::rowToDraw(const ChannelLine<Y, YHandler> &line,
+                                                          std::uint64_t id)
+{
+    const KRTimeStamp time = line.getFirstTimeStamp();
+    const int index = m_ring.GetOrCreateLineIndex4Time(time, id);
+    m_timesToDraw.push_back(time);
+    m_linesToDraw.push_back(index);
+    return m_ring.line(index);
 }
 
 template <typename Y, typename YHandler>

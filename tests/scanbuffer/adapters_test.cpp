@@ -1,11 +1,8 @@
 #include "platform/base/bytes.h"
 #include "scanbuffer/mdatatypes.h"
-#include "scanbuffer/scanbuffer_connector_scanline.h"
-#include "scanbuffer/scanbuffer_connector_statistics.h"
-#include "scanbuffer/scanbuffer_connector_waterfall.h"
 #include "scanbuffer/scanbuffer_connector_xrange.h"
 #include "scanbuffer/scanbuffer_connector_yrange.h"
-#include "scanbuffer/windowrelated.h"
+#include "windowrig.h"
 
 #include <gtest/gtest.h>
 
@@ -17,71 +14,34 @@ using sbs::SendMode;
 using values::Bearing;
 using values::BearingHandler;
 using values::levelHandler;
-
-/// Keeps what an adapter sends, parsed.
-struct Sent : sbs::AdapterLink {
-    struct Message {
-        SendMode mode;
-        std::unique_ptr<MData> data;
-    };
-    void send(SendMode mode, const QByteArray &message) override
-    {
-        messages.push_back({mode, MData::FromBinary(message.constData(), message.size())});
-    }
-    std::vector<Message> messages;
-};
+using YRange = MXYZData<double, double, short>;
 
 /// A window on this thread over a buffer of three channels, a pixel each, with one adapter.
 template <template <typename, typename> class Adapter, typename Y = short,
           typename YHandler = levelHandler>
-struct Rig {
-    Rig()
-    {
-        values::ChannelRangeDefinition definition;
-        definition.AddRangeDefinition(1, 3u, 0.5, 1.0, QString());
-        buffer->setSizeManagerActive(false);
-        buffer->setChannelRangeDefinition(definition);
-        window.slotWorkerThreadStarted();
-        window.SetXRange({0.0, 3.0, 3, 0, 0.0});
-        adapter->attach(sent);
-        window.registerAdapter(adapter);
-        sent->messages.clear();
-    }
+struct Rig : WindowRig<Y, YHandler> {
+    Rig() : WindowRig<Y, YHandler>(3) {}
 
-    /// Stores one scan and lets the window read it; returns the ring index of its line.
-    int scan(const std::vector<Y> &samples)
-    {
-        buffer->addTimeStamp(time += 1000000);
-        buffer->addSpectralData({0, std::uint32_t(samples.size()), samples.data()});
-        buffer->endOfScan();
-        window.readNewData();
-        return window.GetCurrentLine();
-    }
     void command(const MData &message) { adapter->slotCommand(message); }
+    std::size_t count() const { return this->link->messages.size(); }
     template <typename Message>
     const Message &last(SendMode mode, MDataType type) const
     {
-        EXPECT_FALSE(sent->messages.empty());
-        EXPECT_EQ(int(sent->messages.back().mode), int(mode));
-        EXPECT_EQ(sent->messages.back().data->GetType(), type);
-        return dynamic_cast<const Message &>(*sent->messages.back().data);
+        EXPECT_GT(count(), 0U);
+        EXPECT_EQ(int(this->link->messages.back().mode), int(mode));
+        EXPECT_EQ(this->link->messages.back().data->GetType(), type);
+        return dynamic_cast<const Message &>(*this->link->messages.back().data);
     }
-    std::size_t count() const { return sent->messages.size(); }
 
-    std::shared_ptr<sbs::ScanBuffer<Y, YHandler>> buffer = sbs::ScanBuffer<Y, YHandler>::create();
-    sbs::WindowRelated<Y, YHandler> window{buffer, QStringLiteral("window"), nullptr};
-    std::shared_ptr<Sent> sent = std::make_shared<Sent>();
-    std::shared_ptr<Adapter<Y, YHandler>> adapter =
-        std::make_shared<Adapter<Y, YHandler>>(nullptr, "one");
-    KRTimeStamp time = 0;
+    std::shared_ptr<Adapter<Y, YHandler>> adapter = this->template add<Adapter<Y, YHandler>>();
 };
 
 MYData<bool> flag(MDataType type, bool value) { return {value, type}; }
 MYData<short> dimension(short value) { return {value, MDT_Dimension}; }
 
-std::vector<double> levels(const MDataByteArray &message)
+std::vector<double> levels(const MData &message)
 {
-    const QByteArray bytes = message.GetValue();
+    const QByteArray bytes = dynamic_cast<const MDataByteArray &>(message).GetValue();
     std::vector<double> values;
     for (const char *at = bytes.constData(); at < bytes.constData() + bytes.size();)
         values.push_back(Kelm::readLittleEndian<double>(&at));
@@ -104,39 +64,38 @@ TEST(Adapters, DropWhatDoesNotParse)
 
 TEST(Adapters, WithoutAWindowTheyAreSilent)
 {
-    const auto sent = std::make_shared<Sent>();
+    const auto link = std::make_shared<RecordingLink>();
     sbs::ScanBufferAdapter_Waterfall<short, levelHandler> waterfall(nullptr, "a");
     sbs::ScanBufferAdapter_XRange<short, levelHandler> xRange(nullptr, "b");
     sbs::ScanBufferAdapter_Statistics<short, levelHandler> statistics(nullptr, "c");
-    waterfall.attach(sent);
-    xRange.attach(sent);
-    statistics.attach(sent);
+    waterfall.attach(link);
+    xRange.attach(link);
+    statistics.attach(link);
     waterfall.process({0}, {1}, 3, 1, false, false, 0);
     waterfall.slotRequestFullStateUpdate();
     waterfall.SetParameter(flag(MDT_MeasureMode, true));
     xRange.slotRequestFullStateUpdate();
     xRange.SetParameter(flag(MDT_WindowVisible, false));
     statistics.process();
-    EXPECT_TRUE(sent->messages.empty());
+    EXPECT_TRUE(link->messages.empty());
 }
 
 TEST(WaterfallAdapter, SendsRowsWithTheirTimeAndCountsThem)
 {
     Rig<sbs::ScanBufferAdapter_Waterfall> rig;
     rig.window.SetYRange(0, 100, 0);
-    rig.scan({0, 500, 1000});
+    rig.show({0, 500, 1000});
     const auto &rows = rig.last<MDataWaterfall>(SendMode::massdata, MDT_WaterfallLines);
     EXPECT_EQ(rows.size(), QSize(3, 1));
     EXPECT_EQ(rows.GetTime(), std::vector<KRTimeStamp>{1000000});
     EXPECT_EQ(rows.GetString(), std::string("\x00\x7f\xff", 3)) << "255 steps: 127/255";
 
     const std::size_t before = rig.count();
-    rig.command(flag(MDT_WindowVisible, false));
-    rig.scan({1, 2, 3});
-    EXPECT_EQ(rig.count(), before);
-    rig.command(flag(MDT_WindowVisible, true));
-    rig.scan({1, 2, 3});
-    EXPECT_EQ(rig.count(), before + 1);
+    for (const bool visible : {false, true}) {
+        rig.command(flag(MDT_WindowVisible, visible));
+        rig.show({1, 2, 3});
+        EXPECT_EQ(rig.count(), before + (visible ? 1 : 0));
+    }
     EXPECT_FALSE(rig.adapter->connectionLost());
 }
 
@@ -153,17 +112,14 @@ TEST(WaterfallAdapter, HandsParametersOnAndTellsItsState)
     rig.adapter->slotRequestFullStateUpdate();
     const auto &state = rig.last<MDataContainer>(SendMode::fullState, MDT_Container);
     ASSERT_EQ(state.GetAdditional(), 2);
-    const auto axis = state.getMData(0), range = state.getMData(1);
-    EXPECT_EQ(dynamic_cast<MYData<AxisData> &>(*axis).GetValue(),
+    EXPECT_EQ(dynamic_cast<MYData<AxisData> &>(*state.getMData(0)).GetValue(),
               rig.window.GetXAxis().GetAxisDefinitionSet(true));
-    const auto &y = dynamic_cast<MXYZData<double, double, short> &>(*range);
-    EXPECT_EQ(y.GetValue(), 0);
-    EXPECT_EQ(y.YValue(), 90);
-    EXPECT_EQ(y.ZValue(), 4);
+    const auto range = state.getMData(1);
+    const auto &y = dynamic_cast<YRange &>(*range);
+    EXPECT_EQ(std::tuple(y.GetValue(), y.YValue(), y.ZValue()), std::tuple(0, 90, 4));
 
-    rig.adapter->slotStartStopRecalculated(1, 2, 3);
-    using Range = MXYZData<double, double, short>;
-    EXPECT_EQ(rig.last<Range>(SendMode::incrementalState, MDT_YRange).YValue(), 2);
+    Q_EMIT rig.window.signalStartStopRecalculated(1, 2, 3);
+    EXPECT_EQ(rig.last<YRange>(SendMode::incrementalState, MDT_YRange).YValue(), 2);
     rig.adapter->sendXAxisDefinitionSet();
     rig.last<MYData<AxisData>>(SendMode::incrementalState, MDT_XAxis);
 }
@@ -171,7 +127,7 @@ TEST(WaterfallAdapter, HandsParametersOnAndTellsItsState)
 TEST(CurveAdapter, SendsExactLevels)
 {
     Rig<sbs::ScanBufferAdapter_ScanLine> rig;
-    const int line = rig.scan({-1, levelHandler::Minimum(), 1234});
+    rig.show({-1, levelHandler::Minimum(), 1234});
     const auto sent = levels(rig.last<MDataByteArray>(SendMode::massdata, MDT_CurvePixels));
     ASSERT_EQ(sent.size(), 3u);
     EXPECT_EQ(sent[0], -0.1);
@@ -179,15 +135,13 @@ TEST(CurveAdapter, SendsExactLevels)
     EXPECT_EQ(sent[2], 123.4);
 
     const std::size_t before = rig.count();
-    rig.command(flag(MDT_FirstCurveVisible, false));
-    rig.adapter->process({line}, 3, false);
-    EXPECT_EQ(rig.count(), before);
-    rig.command(flag(MDT_FirstCurveVisible, true));
-    rig.command(flag(MDT_WindowVisible, false));
-    rig.adapter->process({line}, 3, false);
-    rig.command(flag(MDT_WindowVisible, true));
-    rig.adapter->process({}, 3, false);
-    EXPECT_EQ(rig.count(), before);
+    for (const MDataType type : {MDT_FirstCurveVisible, MDT_WindowVisible}) {
+        rig.command(flag(type, false));
+        rig.adapter->process({rig.window.GetCurrentLine()}, 3, false);
+        rig.command(flag(type, true));
+        rig.adapter->process({}, 3, false);
+        EXPECT_EQ(rig.count(), before) << type;
+    }
     rig.adapter->slotRequestFullStateUpdate();
     EXPECT_EQ(rig.last<MYData<AxisData>>(SendMode::fullState, MDT_XAxis).GetValue().pixelCount, 3);
 }
@@ -204,13 +158,12 @@ TEST(CurveAdapter, TwoDimensionsAreTwoCurves)
     sample.quality = 1;
     Bearing none = sample;
     none.quality = 0;
-    rig.scan({sample, none, Bearing{}});
+    rig.show({sample, none, Bearing{}});
     ASSERT_EQ(rig.count(), 2u);
-    const auto &first = dynamic_cast<const MDataByteArray &>(*rig.sent->messages[0].data);
-    const auto &second = rig.last<MDataByteArray>(SendMode::massdata, MDT_CurvePixels);
-    EXPECT_EQ(first.GetAdditional(), 0);
+    const MData &first = *rig.link->messages[0].data, &second = *rig.link->messages[1].data;
+    EXPECT_EQ(dynamic_cast<const MDataByteArray &>(first).GetAdditional(), 0);
     EXPECT_EQ(levels(first)[1], 50.0);
-    EXPECT_EQ(second.GetAdditional(), 1);
+    EXPECT_EQ(dynamic_cast<const MDataByteArray &>(second).GetAdditional(), 1);
     EXPECT_EQ(levels(second)[0], 90.0);
     EXPECT_EQ(levels(second)[1], -1.0);
     EXPECT_TRUE(std::isnan(levels(second)[2]));
@@ -223,9 +176,9 @@ TEST(XRangeAdapter, TakesTheAxisAndTellsTheChannels)
     EXPECT_EQ(rig.last<MYData<short>>(SendMode::massdataStateIndependent, MDT_Echo).GetValue(), -7);
 
     rig.adapter->SendChannelRangeDefinition();
-    const int id = rig.last<MDataChannelRangeDefinition>(SendMode::incrementalState,
-                                                         MDT_ChannelRangeDefinition)
-                       .getId();
+    using Channels = MDataChannelRangeDefinition;
+    const int id =
+        rig.last<Channels>(SendMode::incrementalState, MDT_ChannelRangeDefinition).getId();
     EXPECT_FALSE(rig.adapter->IsAcknowledged());
     rig.command(MYData<int>(id, MDT_ChannelRangeAcknowledged));
     EXPECT_TRUE(rig.adapter->IsAcknowledged());
@@ -234,7 +187,7 @@ TEST(XRangeAdapter, TakesTheAxisAndTellsTheChannels)
     const auto &state = rig.last<MDataContainer>(SendMode::fullState, MDT_Container);
     EXPECT_EQ(state.getMData(0)->GetType(), MDT_XAxis);
     const auto channels = state.getMData(1);
-    const auto &definition = dynamic_cast<MDataChannelRangeDefinition &>(*channels);
+    const auto &definition = dynamic_cast<Channels &>(*channels);
     EXPECT_EQ(definition.getId(), id + 1);
     EXPECT_EQ(definition.asChannelRangeDefinition(), rig.window.GetChannelRangeDefinition());
 
@@ -250,12 +203,10 @@ TEST(XRangeAdapter, TakesTheAxisAndTellsTheChannels)
 
 TEST(YRangeAdapter, SetsAndTellsTheRangeOfItsDimension)
 {
-    using Range = MXYZData<double, double, short>;
     Rig<sbs::ScanBufferAdapter_YRange, Bearing, BearingHandler> rig;
-    rig.command(Range(10, -10, 5, MDT_YRange));
-    EXPECT_EQ(rig.window.GetYRange(5), std::pair(10.0, -10.0));
-    rig.command(Range(std::nan(""), 1, 5, MDT_YRange));
-    EXPECT_EQ(rig.window.GetYRange(5), std::pair(10.0, -10.0));
+    rig.command(YRange(10, -10, 5, MDT_YRange));
+    rig.command(YRange(std::nan(""), 1, 5, MDT_YRange));
+    EXPECT_EQ(rig.window.GetYRange(5), std::pair(10.0, -10.0)) << "NaN is dropped";
 
     rig.command(dimension(4));
     short asked = -1;
@@ -266,20 +217,19 @@ TEST(YRangeAdapter, SetsAndTellsTheRangeOfItsDimension)
     Q_EMIT rig.window.signalStartStopRecalculated(1, 2, 0);
     EXPECT_EQ(rig.count(), 0u) << "of another dimension";
     Q_EMIT rig.window.signalStartStopRecalculated(1, 2, 4);
-    EXPECT_EQ(rig.last<Range>(SendMode::massdataStateIndependent, MDT_YRange).ZValue(), 4);
+    EXPECT_EQ(rig.last<YRange>(SendMode::massdataStateIndependent, MDT_YRange).ZValue(), 4);
 }
 
 TEST(StatisticsAdapter, TellsRateRowsAndTraffic)
 {
     Rig<sbs::ScanBufferAdapter_Statistics> rig;
-    rig.adapter->slotScansPerSecond(12.5);
-    EXPECT_EQ(rig.adapter->GetScansPerSecond(), 12.5);
+    Q_EMIT rig.window.signalScansPerSecond(12.5);
     rig.window.slotTimeStampNow(1000000);
     rig.adapter->process();
     ASSERT_EQ(rig.count(), 3u);
     const auto mode = SendMode::massdataStateIndependent;
     EXPECT_EQ(rig.last<MYData<double>>(mode, MDT_Traffic).GetValue(), 0);
-    const MData &rate = *rig.sent->messages[0].data, &rows = *rig.sent->messages[1].data;
+    const MData &rate = *rig.link->messages[0].data, &rows = *rig.link->messages[1].data;
     EXPECT_EQ(rate.GetType(), MDT_ScansPerSecond);
     EXPECT_EQ(dynamic_cast<const MYData<double> &>(rate).GetValue(), 12.5);
     EXPECT_EQ(rows.GetType(), MDT_WaterfallScansPerLine);

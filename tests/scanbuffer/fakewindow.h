@@ -12,7 +12,7 @@ struct FakeWindow {
     int scansPerLine = 1;
     int colorSteps = 255;
     std::map<short, std::pair<double, double>> yRanges{{0, {0.0, 100.0}}};
-    bool thresholdActive = false, thresholdActiveForLevel = true;
+    bool thresholdActive = false;
     double threshold = 0; // beyond the line
     std::vector<double> thresholdLine, refLine;
     std::vector<std::vector<Y>> lines;
@@ -22,7 +22,6 @@ struct FakeWindow {
     int GetWaterfallColorResolutionSteps() const { return colorSteps; }
     std::pair<double, double> GetYRange(short dimension) const { return yRanges.at(dimension); }
     bool GetThresholdActive() const { return thresholdActive; }
-    bool GetThresholdActiveForLevel() const { return thresholdActiveForLevel; }
     const std::vector<double> &GetThresholdLine() const { return thresholdLine; }
     double GetThreshold(int pixel) const
     {

@@ -157,8 +157,6 @@ TEST(WaterfallRows, ThresholdOfLevels)
     EXPECT_EQ(rig.colors({499, 500, 501}), bytes({127, 128, 128})) << "off";
     rig.window.thresholdActive = true;
     EXPECT_EQ(rig.colors({499, 500, 501}), bytes({0, 0, 128})) << "equal is hidden";
-    rig.window.thresholdActiveForLevel = false;
-    EXPECT_EQ(rig.colors({499, 500, 501}), bytes({127, 128, 128})) << "off for the level";
 }
 
 TEST(WaterfallRows, RelativeToTheReferenceLine)

@@ -1,10 +1,15 @@
+#include "platform/base/krexception.h"
+#include "scanbuffer/mdatatypes.h"
+#include "scanbuffer/window/windowkeeper.h"
 #include "windowrig.h"
 
 #include <QCoreApplication>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
+#include <pthread.h>
 
 using testing::Each;
 using testing::ElementsAre;
@@ -12,7 +17,6 @@ using values::levelHandler;
 using Rig = WindowRig<short, levelHandler>;
 using Waterfall = sbs::ScanBufferAdapter_Waterfall<short, levelHandler>;
 using ScanLine = sbs::ScanBufferAdapter_ScanLine<short, levelHandler>;
-using Statistics = sbs::ScanBufferAdapter_Statistics<short, levelHandler>;
 
 namespace {
 
@@ -30,8 +34,7 @@ TYPED_TEST(WindowOfPair, ShowsAScan)
     WindowRig<Y, Handler> rig(3);
     std::vector<Y> samples(3, Handler::Minimum());
     Handler::SetDimensionValue(0, samples[1], 50.0);
-    rig.scan(samples);
-    rig.window.readNewData();
+    rig.show(samples);
     EXPECT_EQ(rig.newestId(), 1U);
     for (int pixel = 0; pixel < 3; ++pixel)
         EXPECT_EQ(Handler::ToString(rig.window.GetLatestValue4Index(pixel)),
@@ -56,9 +59,7 @@ TEST(Window, SkipsToTheOldestScanThatIsLeft)
     Rig rig(2, 5);
     for (short level = 1; level <= 20; ++level)
         rig.scan({level, level});
-    rig.window.readNewData();
-    EXPECT_EQ(rig.newestId(), 20U);
-    EXPECT_THAT(rig.newest(), ElementsAre(20, 20));
+    EXPECT_THAT(rig.read(), ElementsAre(20, 20));
     int filled = 0;
     for (int line = 0; line < rig.window.LineCount(); ++line)
         filled += rig.window.WaterfallChannelLineID(line) != 0 ? 1 : 0;
@@ -84,8 +85,7 @@ TEST(Window, APassEndsWhereTheChannelsChange)
     rig.scan({1, 2});
     rig.scan({3, 4});
     rig.buffer->setChannelRangeDefinition(Rig::definitionOf(2, 700));
-    rig.scan({5, 6});
-    rig.window.readNewData();
+    rig.show({5, 6});
     EXPECT_EQ(rig.newestId(), 2U);
     EXPECT_EQ(rig.window.GetChannelRangeDefinition().GetMinChannelId(), 100U);
     for (int pass = 0; pass < 3; ++pass)
@@ -110,44 +110,46 @@ TEST(Window, GapsShowTheScanBeforeUntilTheEnd)
         Rig rig(3);
         rig.buffer->setKeepScanDataAfterEndOfScan(c.keepData);
         rig.buffer->setKeepNoOverwriteWFLines(c.keepLines);
-        rig.scan({10, 20, 30});
-        rig.window.readNewData();
+        rig.show({10, 20, 30});
         rig.begin();
         rig.write(0, {11});
-        rig.window.readNewData();
-        EXPECT_THAT(rig.newest(), ElementsAre(11, 20, 30));
+        EXPECT_THAT(rig.read(), ElementsAre(11, 20, 30));
         rig.write(2, {31});
-        rig.window.readNewData();
-        EXPECT_THAT(rig.newest(), ElementsAre(11, 20, 31)) << "only the new stretch is folded";
+        EXPECT_THAT(rig.read(), ElementsAre(11, 20, 31)) << "only the new stretch is folded";
         rig.buffer->endOfScan();
-        rig.window.readNewData();
-        EXPECT_THAT(rig.newest(), ElementsAre(11, c.gapAfterEnd, 31));
+        EXPECT_THAT(rig.read(), ElementsAre(11, c.gapAfterEnd, 31));
     }
 }
 
-TEST(Window, AvoidingTheMaximumTakesTheLastSample)
+TEST(Window, FlagsOfTheBufferChangeTheFold)
 {
     Rig rig(4);
     rig.window.SetXRange({0.0, 4.0, 1, 0, 0.0});
-    rig.scan({10, 40, 20, kNone});
-    rig.window.readNewData();
-    EXPECT_THAT(rig.newest(), ElementsAre(40));
+    EXPECT_THAT(rig.show({10, 40, 20, kNone}), ElementsAre(40));
     rig.buffer->setAvoidSettingMaxValueDuringScan(true);
-    rig.scan({10, 40, 20, kNone});
-    rig.window.readNewData();
-    EXPECT_THAT(rig.newest(), ElementsAre(kNone));
-}
-
-TEST(Window, ClearedScanDataLeaveNothingOfTheScanBefore)
-{
-    Rig rig(2);
-    rig.scan({10, 20});
-    rig.window.readNewData();
+    EXPECT_THAT(rig.show({10, 40, 20, kNone}), ElementsAre(kNone)) << "the last sample wins";
+    rig.window.SetXRange({0.0, 4.0, 2, 0, 0.0});
+    rig.show({10, 20, 30, 40});
     rig.buffer->setClearScanData(true);
     rig.begin();
-    rig.write(0, {11});
-    rig.window.readNewData();
-    EXPECT_THAT(rig.newest(), ElementsAre(11, kNone));
+    rig.write(0, {11, 12});
+    EXPECT_THAT(rig.read(), ElementsAre(12, kNone)) << "nothing of the scan before";
+}
+
+TEST(Window, ScansWithoutATimeAreToldApart)
+{
+    Rig rig(2);
+    rig.write(0, {50});
+    EXPECT_THAT(rig.read(), ElementsAre(50, kNone));
+    rig.write(1, {60});
+    rig.buffer->endOfScan();
+    EXPECT_THAT(rig.read(), ElementsAre(50, 60)) << "more of the same scan";
+    rig.write(0, {1, 2});
+    rig.buffer->endOfScan();
+    EXPECT_THAT(rig.read(), ElementsAre(1, 2));
+    rig.buffer->endOfScan();
+    EXPECT_THAT(rig.read(), ElementsAre(1, 2)) << "the end of no scan shows nothing";
+    EXPECT_THAT(rig.show({3, 4}), ElementsAre(3, 4));
 }
 
 TEST(Window, CallsAdaptersOnlyForAChange)
@@ -155,54 +157,60 @@ TEST(Window, CallsAdaptersOnlyForAChange)
     Rig rig(4);
     const auto waterfall = rig.add<Waterfall>();
     rig.window.readNewData();
-    const std::size_t before = rig.link->messages.size();
-    rig.scan({1, 2, 3, 4});
-    rig.window.readNewData();
-    EXPECT_EQ(rig.link->messages.size(), before + 1);
-    for (int pass = 0; pass < 3; ++pass)
+    std::size_t expected = rig.link->messages.size();
+    const auto afterAPass = [&] {
         rig.window.readNewData();
-    EXPECT_EQ(rig.link->messages.size(), before + 1) << "the scan has ended, nothing is new";
+        return rig.link->messages.size();
+    };
+    rig.scan({1, 2, 3, 4});
+    EXPECT_EQ(afterAPass(), ++expected);
+    EXPECT_EQ(afterAPass(), expected) << "the scan has ended, nothing is new";
     rig.begin();
     rig.write(0, {5});
-    rig.window.readNewData();
+    EXPECT_EQ(afterAPass(), ++expected);
     rig.buffer->endOfScan();
-    rig.window.readNewData();
-    EXPECT_EQ(rig.link->messages.size(), before + 3) << "the end of a scan is a change";
-    rig.window.readNewData();
-    EXPECT_EQ(rig.link->messages.size(), before + 3);
+    EXPECT_EQ(afterAPass(), ++expected) << "the end of a scan is a change";
+    EXPECT_EQ(afterAPass(), expected);
 }
 
-TEST(Window, TheWaterfallDrawsTheCurveWhenBothShowTheSame)
+TEST(Window, TheWaterfallDrawsTheCurveWhileBothShowTheSame)
 {
     Rig rig(4);
     const auto scanLine = rig.add<ScanLine>();
     const auto curveLink = rig.link;
-    const auto waterfall = rig.add<Waterfall>();
+    auto waterfall = rig.add<Waterfall>();
     rig.window.readNewData();
-    const std::size_t curves = curveLink->messages.size();
-    rig.scan({1, 2, 3, 4});
-    rig.window.readNewData();
-    EXPECT_EQ(curveLink->messages.size(), curves);
+    const auto curvesOfAScan = [&] {
+        const std::size_t before = curveLink->messages.size();
+        rig.show({1, 2, 3, 4});
+        return curveLink->messages.size() - before;
+    };
+    EXPECT_EQ(curvesOfAScan(), 0U);
     rig.window.SetThresholdActiveForLevel(false);
-    rig.scan({1, 2, 3, 4});
-    rig.window.readNewData();
-    EXPECT_EQ(curveLink->messages.size(), curves + 1);
+    EXPECT_EQ(curvesOfAScan(), 1U);
+    rig.window.SetThresholdActiveForLevel(true);
+    EXPECT_EQ(curvesOfAScan(), 0U);
+    waterfall->SetParameter(MYData<bool>(false, MDT_WindowVisible));
+    EXPECT_EQ(curvesOfAScan(), 1U) << "a hidden waterfall draws nothing";
+    waterfall->SetParameter(MYData<bool>(true, MDT_WindowVisible));
+    EXPECT_EQ(curvesOfAScan(), 0U);
+    waterfall.reset();
+    rig.link->messages.clear();
+    EXPECT_EQ(curvesOfAScan(), 1U) << "one that has gone neither";
+    EXPECT_TRUE(rig.link->messages.empty());
 }
 
 TEST(Window, ReadsOnlyWhileItIsLookedAt)
 {
     struct Case {
         const char *name;
-        void (*hide)(Rig::Window &);
-        void (*show)(Rig::Window &);
+        void (*look)(Rig::Window &, bool);
+        std::uint64_t shownAtOnce; // by the ring, before the next pass
     };
     const Case cases[] = {
-        {"visible", [](Rig::Window &w) { w.SetWindowVisible(false); },
-         [](Rig::Window &w) { w.SetWindowVisible(true); }},
-        {"minimised", [](Rig::Window &w) { w.SetWindowMinimized(true); },
-         [](Rig::Window &w) { w.SetWindowMinimized(false); }},
-        {"measuring", [](Rig::Window &w) { w.SetMeasureMode(true); },
-         [](Rig::Window &w) { w.SetMeasureMode(false); }},
+        {"visible", [](Rig::Window &w, bool look) { w.SetWindowVisible(look); }, 1},
+        {"minimised", [](Rig::Window &w, bool look) { w.SetWindowMinimized(!look); }, 1},
+        {"measuring", [](Rig::Window &w, bool look) { w.SetMeasureMode(!look); }, 0},
     };
     for (const Case &c : cases) {
         SCOPED_TRACE(c.name);
@@ -210,65 +218,73 @@ TEST(Window, ReadsOnlyWhileItIsLookedAt)
         int resets = 0;
         QObject::connect(&rig.window, &sbs::ScanBufferSizeManagerClient::signalResetHistory,
                          [&] { ++resets; });
-        rig.scan({1, 2});
-        rig.window.readNewData();
-        c.hide(rig.window);
-        rig.scan({3, 4});
-        rig.window.readNewData();
+        rig.show({1, 2});
+        c.look(rig.window, false);
+        rig.show({3, 4});
         EXPECT_EQ(rig.newestId(), 1U);
-        c.show(rig.window);
+        c.look(rig.window, true);
+        EXPECT_EQ(rig.newestId(), c.shownAtOnce);
         rig.window.readNewData();
         EXPECT_EQ(rig.newestId(), 2U);
         EXPECT_EQ(resets, 1) << "the pause doesn't count as slow reading";
     }
     Rig rig(2);
     rig.window.SetStatic();
-    rig.scan({1, 2});
-    rig.window.readNewData();
+    rig.show({1, 2});
     EXPECT_EQ(rig.newestId(), 0U);
 }
 
-TEST(Window, TellsOfItsVisibility)
+TEST(Window, TellsOfItsVisibilityAndOfAdaptersThatGoWithIt)
 {
     auto rig = std::make_unique<Rig>(2);
     std::vector<bool> told;
     QObject::connect(&rig->window, &sbs::WindowRelatedQObject::signalVisibilityChanged,
                      [&](bool visible) { told.push_back(visible); });
+    QStringList deleted;
+    QObject::connect(&rig->window, &sbs::WindowRelatedQObject::signalAdapterDeleted,
+                     [&](const QString &adapter) { deleted.push_back(adapter); });
+    const auto adapter = rig->add<Waterfall>();
+    rig->window.registerAdapter(std::make_shared<sbs::Adapter>("no kind of a window"));
+    rig->window.registerAdapter({});
     const std::uint32_t version = rig->window.GetWindowSettingsVersion();
     rig->window.SetWindowVisible(true);
     rig->window.SetWindowVisible(false);
     rig->window.SetWindowVisible(true);
     EXPECT_EQ(rig->window.GetWindowSettingsVersion(), version + 2);
+    rig->window.unregisterAdapter("no kind of a window");
     rig.reset();
     EXPECT_THAT(told, ElementsAre(false, true, false)) << "the last one from the destructor";
+    EXPECT_EQ(deleted, QStringList({"no kind of a window", "test"}));
 }
 
-TEST(Window, KeepsItsAxisUntilItIsGivenOneThatIs)
+TEST(Window, TakesTheAxisThatItIsGiven)
 {
     Rig rig(4);
+    Rig::Window fresh(rig.buffer, QStringLiteral("fresh"), nullptr);
+    fresh.slotWorkerThreadStarted();
+    fresh.readNewData();
+    EXPECT_EQ(fresh.GetXAxis().GetPixelCnt(), 1000) << "its own, as long as it was given none";
+
     rig.window.SetXRange({5.0, 5.0, 10, 0, 0.0});
-    EXPECT_EQ(rig.window.GetXAxis().GetMax(), 4.0);
+    EXPECT_EQ(rig.window.GetXAxis().GetMax(), 4.0) << "that is no axis";
     rig.window.SetXRange({1.0, 3.0, 2, 0, 0.0});
     EXPECT_EQ(rig.window.GetXAxis().GetMin(), 1.0);
-    EXPECT_EQ(rig.window.GetXAxis().GetPixelCnt(), 2);
-    rig.scan({1, 2, 3, 4});
-    rig.window.readNewData();
-    EXPECT_THAT(rig.newest(), ElementsAre(2, 3));
+    EXPECT_THAT(rig.show({1, 2, 3, 4}), ElementsAre(2, 3));
 }
 
 TEST(Window, CompressionCutsThePixels)
 {
     Rig rig(4);
     rig.window.SetXRange({0.0, 4.0, 2000, 0, 0.0});
-    EXPECT_EQ(rig.window.GetXAxis().GetPixelCnt(), 2000);
-    rig.window.slotSetDefaultCompression({1, 0, 0, 3});
-    rig.window.readNewData();
-    EXPECT_EQ(rig.window.GetXAxis().GetPixelCnt(), 1000);
-    rig.window.slotSetDefaultCompression({9, 0, 0, 3});
-    EXPECT_EQ(rig.window.GetWaterfallColorResolutionSteps(), 255) << "out of range: left alone";
-    rig.window.slotSetDefaultCompression({0, 0, 0, 3});
-    rig.window.readNewData();
-    EXPECT_EQ(rig.window.GetXAxis().GetPixelCnt(), 2000) << "what was asked for comes back";
+    const std::tuple<const char *, std::vector<int>, int> cases[] = {
+        {"cut", {1, 0, 0, 3}, 1000},
+        {"out of range: left alone", {9, 0, 0, 3}, 1000},
+        {"what was asked for comes back", {0, 0, 0, 3}, 2000}};
+    for (const auto &[name, steps, pixels] : cases) {
+        rig.window.slotSetDefaultCompression(steps);
+        rig.window.readNewData();
+        EXPECT_EQ(rig.window.GetXAxis().GetPixelCnt(), pixels) << name;
+    }
 }
 
 TEST(Window, ManyChannelsSlowTheReadTimer)
@@ -285,26 +301,47 @@ TEST(Window, ManyChannelsSlowTheReadTimer)
 
 TEST(Window, FitsTheYRangeOnceThereIsOne)
 {
-    Rig rig(3);
+    WindowRig<float, values::floatHandler> rig(3);
     std::vector<std::pair<double, double>> told;
     QObject::connect(&rig.window, &sbs::WindowRelatedQObject::signalStartStopRecalculated,
                      [&](double low, double high, short) {
                          told.push_back({low, high});
                      });
+    const float nan = std::nanf(""), inf = std::numeric_limits<float>::infinity();
     rig.window.OptimizeMinMax(0);
-    rig.scan({500, 500, 500});
-    rig.window.readNewData();
-    EXPECT_TRUE(told.empty()) << "a flat scan has no range";
-    rig.scan({100, kNone, 600});
-    rig.window.readNewData();
+    rig.show({50, 50, 50});
+    rig.show({nan, inf, -inf});
+    EXPECT_TRUE(told.empty()) << "there is no range in these";
+    rig.show({10, kNone, 60});
     EXPECT_THAT(told, ElementsAre(std::pair(5.0, 65.0))) << "a tenth of 50 is added";
     EXPECT_EQ(rig.window.GetYRange(0), std::pair(5.0, 65.0));
-    rig.scan({0, 0, 900});
-    rig.window.readNewData();
+    rig.show({0, 0, 90});
     EXPECT_EQ(told.size(), 1U);
+    rig.window.OptimizeMinMax(0);
+    rig.scan({nan, 0, 50});
+    rig.show({-inf, 100, inf});
+    EXPECT_EQ(told.back(), std::pair(-10.0, 110.0)) << "of all finite samples";
 }
 
-TEST(Window, ReloadSendsStoredScansInMarkedBatches)
+struct Batches {
+    std::vector<int> marks, rows;
+    std::string colors;
+    bool operator==(const Batches &) const = default;
+};
+
+Batches batchesOf(const RecordingLink &link)
+{
+    Batches batches;
+    for (const RecordingLink::Message &message : link.messages) {
+        const auto &block = dynamic_cast<const MDataWaterfall &>(*message.data);
+        batches.marks.push_back(block.PacketId());
+        batches.rows.push_back(int(block.GetLineCnt()));
+        batches.colors += block.GetString();
+    }
+    return batches;
+}
+
+TEST(WindowReload, SendsStoredScansInMarkedBatches)
 {
     struct Case {
         int scans, asked;
@@ -321,22 +358,55 @@ TEST(Window, ReloadSendsStoredScansInMarkedBatches)
         SCOPED_TRACE(c.asked);
         Rig rig(2, 200);
         const auto waterfall = rig.add<Waterfall>();
+        rig.window.SetYRange(0, 12, 0);
         for (int scan = 1; scan <= c.scans; ++scan)
             rig.scan({short(scan), short(scan)});
+        const auto reload = [&](int count) {
+            rig.link->messages.clear();
+            rig.window.reload(0.0, 2.0, 0, count, 0);
+            return batchesOf(*rig.link);
+        };
         rig.window.readNewData();
-        rig.link->messages.clear();
-        rig.window.reload(0.0, 2.0, 0, c.asked, 0);
-        std::vector<int> marks, rows;
-        for (const QByteArray &bytes : rig.link->messages) {
-            const auto message = MData::FromBinary(bytes.data(), bytes.size());
-            const auto *block = dynamic_cast<const MDataWaterfall *>(message.get());
-            ASSERT_NE(block, nullptr);
-            marks.push_back(block->PacketId());
-            rows.push_back(int(block->GetLineCnt()));
-        }
-        EXPECT_EQ(marks, c.marks);
-        EXPECT_EQ(rows, c.rows);
+        const Batches batches = reload(c.asked);
+        EXPECT_EQ(batches.marks, c.marks);
+        EXPECT_EQ(batches.rows, c.rows);
+        // Rows of a short reload, then one of a scan: a ring like no run of scans leaves it.
+        reload(10);
+        rig.show({0, 0});
+        EXPECT_TRUE(c.asked > c.scans || reload(c.asked) == batches);
     }
+}
+
+TEST(WindowReload, LeavesTheScanUnderWayWhole)
+{
+    Rig rig(3, 100);
+    const auto waterfall = rig.add<Waterfall>();
+    for (int scan = 1; scan <= 60; ++scan)
+        rig.show({1, 1, 1});
+    rig.begin();
+    rig.write(0, {20});
+    rig.read();
+    rig.window.reload(0.0, 3.0, 0, 50, 0);
+    rig.write(1, {30});
+    EXPECT_THAT(rig.read(), ElementsAre(20, 30, 1));
+}
+
+TEST(WindowReload, MapsScansByTheirOwnChannelsAndFitsTheYRange)
+{
+    Rig rig(3);
+    const auto waterfall = rig.add<Waterfall>();
+    rig.scan({100, 100, 100});
+    rig.show({200, 200, 200});
+    rig.buffer->setChannelRangeDefinition(Rig::definitionOf(3, 700, 1.5));
+    rig.scan({300, 300, 300});
+    for (int pass = 0; pass < 3; ++pass)
+        rig.window.readNewData();
+    rig.window.OptimizeMinMax(0);
+    rig.window.reload(0.0, 3.0, 0, 2, 0);
+    EXPECT_THAT(rig.window.WaterfallYLine(rig.window.GetCurrentLine()), Each(200));
+    EXPECT_EQ(rig.window.GetYRange(0), std::pair(9.0, 21.0)) << "from two flat scans";
+    rig.window.reload(0.0, 3.0, 0, 3, 0);
+    EXPECT_THAT(rig.window.WaterfallYLine(rig.window.GetCurrentLine()), ElementsAre(200, 300, 300));
 }
 
 TEST(Window, CountsTrafficAgainstTheTimeOfScans)
@@ -352,27 +422,52 @@ TEST(Window, CountsTrafficAgainstTheTimeOfScans)
     EXPECT_EQ(rig.window.GetAndResetTraffic(), 0.0) << "no time has passed";
 }
 
-TEST(Window, AdaptersThatHaveGoneReadAsAbsent)
+/// An adapter that fails on its timer.
+class Failing : public sbs::Adapter, public sbs::IDataSourceAdapter {
+public:
+    Failing() : sbs::Adapter("failing") {}
+    Adapter_Type GetType() const override { return AdapterType_XMarker; }
+    void SetType(Adapter_Type) override {}
+    void process() override
+    {
+        ++calls;
+        throw std::bad_alloc();
+    }
+    int calls = 0;
+};
+
+TEST(Window, SurvivesAnAdapterThatFailsOnATimer)
 {
     Rig rig(2);
-    auto waterfall = rig.add<Waterfall>();
-    const auto link = rig.link;
-    rig.scan({1, 2});
-    rig.window.readNewData();
-    waterfall.reset();
-    link->messages.clear();
-    rig.scan({3, 4});
-    rig.window.readNewData();
-    EXPECT_TRUE(link->messages.empty());
-    rig.window.registerAdapter({});
-    rig.window.registerAdapter(std::make_shared<sbs::Adapter>("no kind of a window"));
+    const auto failing = std::make_shared<Failing>();
+    rig.window.registerAdapter(failing);
+    for (int scan = 1; scan <= 2; ++scan) {
+        rig.show({1, 2});
+        EXPECT_NO_THROW(rig.window.slotTimerChanged());
+        EXPECT_EQ(failing->calls, scan);
+    }
+}
+
+TEST(WindowKeeper, SaysThatTheSystemGivesNoThread)
+{
+    Rig rig(2);
+    sbs::WindowKeeper keeper([&](const QString &guid) {
+        return std::make_unique<Rig::Window>(rig.buffer, guid, nullptr);
+    });
+    pthread_attr_t usual, huge;
+    ASSERT_EQ(pthread_getattr_default_np(&usual), 0);
+    ASSERT_EQ(pthread_getattr_default_np(&huge), 0);
+    pthread_attr_setstacksize(&huge, std::size_t(1) << 50); // more than there are addresses
+    ASSERT_EQ(pthread_setattr_default_np(&huge), 0);
+    EXPECT_THROW(keeper.createOrGet(QStringLiteral("a")), KRException);
+    pthread_setattr_default_np(&usual);
+    EXPECT_NE(keeper.createOrGet(QStringLiteral("a")), nullptr) << "the next call tries again";
 }
 
 TEST(Window, CursorsStepThroughPixelsChannelsAndMaxima)
 {
     Rig rig(8);
-    rig.scan({10, 50, 20, 20, 70, 70, 30, 90});
-    rig.window.readNewData();
+    rig.show({10, 50, 20, 20, 70, 70, 30, 90});
     int index = 7;
     EXPECT_FALSE(rig.window.NextPixel(index, true));
     EXPECT_EQ(index, 7);
@@ -400,11 +495,9 @@ TEST(WindowLevels, TablesOfRangesAndThresholds)
 {
     sbs::WindowLevels levels;
     using Range = sbs::WindowLevels::Range;
-    EXPECT_EQ(levels.GetYRange(0), Range(-30, 130));
-    EXPECT_EQ(levels.GetYRange(1), Range(0, 255));
-    EXPECT_EQ(levels.GetYRange(3), Range(0, 360));
-    EXPECT_EQ(levels.GetYRange(4), Range(0, 90));
-    EXPECT_EQ(levels.GetYRange(5), Range(0, 100));
+    const Range ranges[] = {{-30, 130}, {0, 255}, {0, 255}, {0, 360}, {0, 90}, {0, 100}};
+    for (short dimension = 0; dimension < 6; ++dimension)
+        EXPECT_EQ(levels.GetYRange(dimension), ranges[dimension]) << dimension;
     EXPECT_FALSE(levels.SetYRange({-30, 130}, 0)) << "the same";
     EXPECT_TRUE(levels.SetYRange({0, 255}, 1)) << "there was no entry";
 
@@ -416,7 +509,6 @@ TEST(WindowLevels, TablesOfRangesAndThresholds)
     EXPECT_FALSE(levels.filteredByThreshold(-30.0, 0, true)) << "the distance counts";
     levels.SetThresholdActive(false);
     EXPECT_FALSE(levels.filteredByThreshold(-30.0, 0, false));
-    EXPECT_THAT(levels.GetThresholdLine(), Each(std::numeric_limits<double>::lowest()));
     EXPECT_TRUE(levels.GetThresholdActive(0)) << "the level has a switch of its own";
     EXPECT_FALSE(levels.GetThresholdActive(1));
     levels.SetThreshold(40.0);

@@ -10,11 +10,18 @@
 #include <memory>
 #include <vector>
 
-/// Keeps what an adapter sends.
+/// Keeps what an adapter sends, parsed.
 class RecordingLink : public sbs::AdapterLink {
 public:
-    void send(sbs::SendMode, const QByteArray &message) override { messages.push_back(message); }
-    std::vector<QByteArray> messages;
+    struct Message {
+        sbs::SendMode mode;
+        std::unique_ptr<MData> data;
+    };
+    void send(sbs::SendMode mode, const QByteArray &message) override
+    {
+        messages.push_back({mode, MData::FromBinary(message.constData(), message.size())});
+    }
+    std::vector<Message> messages;
 };
 
 /// A scan buffer of one range of channels at 0.5, 1.5, 2.5 ... and a window on this thread with a
@@ -33,11 +40,11 @@ public:
         window.SetXRange({0.0, double(channels), short(channels), 0, 0.0});
     }
 
-    static values::ChannelRangeDefinition definitionOf(unsigned int channels,
-                                                       unsigned int firstId = 100)
+    static values::ChannelRangeDefinition
+    definitionOf(unsigned int channels, unsigned int firstId = 100, double firstFrequency = 0.5)
     {
         values::ChannelRangeDefinition definition;
-        definition.AddRangeDefinition(firstId, channels, 0.5, 1.0, {});
+        definition.AddRangeDefinition(firstId, channels, firstFrequency, 1.0, {});
         return definition;
     }
 
@@ -53,6 +60,21 @@ public:
         write(0, samples);
         buffer->endOfScan();
     }
+    /// A pass of the window; returns its newest line.
+    const std::vector<Y> &read()
+    {
+        window.readNewData();
+        return window.WaterfallYLine(window.GetCurrentLine());
+    }
+    const std::vector<Y> &show(const std::vector<Y> &samples)
+    {
+        scan(samples);
+        return read();
+    }
+    std::uint64_t newestId() const
+    {
+        return window.WaterfallChannelLineID(window.GetCurrentLine());
+    }
 
     template <typename Adapter>
     std::shared_ptr<Adapter> add()
@@ -62,12 +84,6 @@ public:
         adapter->attach(link);
         window.registerAdapter(adapter);
         return adapter;
-    }
-
-    const std::vector<Y> &newest() const { return window.WaterfallYLine(window.GetCurrentLine()); }
-    std::uint64_t newestId() const
-    {
-        return window.WaterfallChannelLineID(window.GetCurrentLine());
     }
 
     std::shared_ptr<sbs::ScanBuffer<Y, Handler>> buffer = sbs::ScanBuffer<Y, Handler>::create();
