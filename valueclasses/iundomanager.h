@@ -14,7 +14,13 @@ public:
 /// Collects the commands that restore old states, as far as a value calls it. Application thread.
 class SPECTREE_EXPORT IUndoManager {
 public:
-    virtual ~IUndoManager() = default;
+    IUndoManager();
+    IUndoManager(const IUndoManager &) : IUndoManager() {}
+    IUndoManager &operator=(const IUndoManager &) = default;
+    virtual ~IUndoManager();
+    /// Whether \a manager still exists: a value may die after its manager.
+    static bool IsAlive(const IUndoManager *manager);
+
     /// Owns \a command from the call on; false when it was dropped.
     virtual bool AddUndoCommand(KELM::ICommand *command) = 0;
     /// Replaces the command of the open stack for which \a predicate holds. Owns \a command only

@@ -2,11 +2,13 @@
 
 #include "platform/base/errorhandler.h"
 #include "platform/base/kelmos.h"
-#include "platform/base/sync.h"
 #include "valueclasses/valuebase.h"
 
 #include <QCoreApplication>
+#include <QPointer>
 #include <QThread>
+
+#include <chrono>
 
 namespace values {
 
@@ -24,6 +26,48 @@ void NotifyDistinction::NotifyObservers(TChangeCode code, IObserver *source)
     }
     Kelm::syncRelease(this);
     QCoreApplication::postEvent(this, new NotifyEvent(code, source));
+}
+
+void NotifyDistinction::PostChange(std::function<void()> change)
+{
+    bool first = false;
+    {
+        const Kelm::MutexLocker lock(m_mutex);
+        // Never dropped: a lost end of a transaction would mute the value. But whoever floods an
+        // application thread that doesn't run slows down.
+        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(1);
+        while (m_waiting >= kMaxWaiting &&
+               m_less.wait_until(m_mutex, limit) == std::cv_status::no_timeout) {
+        }
+        ++m_waiting;
+        m_owner->setFlag(ValueBase::ChangesPosted, true);
+        first = !std::exchange(m_traced, true);
+    }
+    if (first)
+        SPECTREE_TRACE(TraceWarnings,
+                       QStringLiteral("VTTHREADING: Changes of a recorded value in non-main thread "
+                                      "are posted. ValueName: %1")
+                           .arg(m_owner->GetName()));
+    Kelm::post(this, [this, change = std::move(change)] { runChange(change); });
+}
+
+void NotifyDistinction::runChange(const std::function<void()> &change)
+{
+    const QPointer<NotifyDistinction> alive(this);
+    // There is no caller left who could be told, and nothing may pass through the event loop.
+    try {
+        change();
+    } catch (const std::exception &error) {
+        SPECTREE_TRACE(
+            TraceWarnings,
+            QStringLiteral("A posted change was refused: %1").arg(QString::fromUtf8(error.what())));
+    }
+    if (alive.isNull())
+        return; // the change told an observer, who deleted the value
+    const Kelm::MutexLocker lock(m_mutex);
+    if (--m_waiting == 0)
+        m_owner->setFlag(ValueBase::ChangesPosted, false);
+    m_less.notify_one();
 }
 
 bool NotifyDistinction::IsMainThread() { return Kelm::isAcceptableThread(); }

@@ -1,9 +1,13 @@
 #pragma once
 
+#include "platform/base/sync.h"
 #include "valueclasses/changecode.h"
 
 #include <QEvent>
 #include <QObject>
+
+#include <condition_variable>
+#include <functional>
 
 namespace values {
 
@@ -24,8 +28,8 @@ private:
     IObserver *m_source;
 };
 
-/// Hands the notifications of one value over to the application thread. It lives there; any thread
-/// may call NotifyObservers. What is under way when it is destroyed is dropped.
+/// Hands the notifications and the changes of one value over to the application thread. It lives
+/// there; any thread may call NotifyObservers. What is under way when it is destroyed is dropped.
 class SPECTREE_EXPORT NotifyDistinction : public QObject {
 public:
     /// \a owner isn't owned and outlives this object. Any thread may make one.
@@ -33,6 +37,8 @@ public:
 
     /// Posts when the caller isn't on the application thread, else notifies at once.
     void NotifyObservers(TChangeCode code, IObserver *source);
+    /// Posts \a change, as ValueBase::PostChange tells. Not on the application thread.
+    void PostChange(std::function<void()> change);
 
     /// True on the application thread, and while none is known.
     static bool IsMainThread();
@@ -43,7 +49,15 @@ protected:
     void customEvent(QEvent *event) override;
 
 private:
+    static constexpr int kMaxWaiting = 10000;
+
+    void runChange(const std::function<void()> &change);
+
     ValueBase *m_owner;
+    Kelm::Mutex m_mutex;
+    std::condition_variable_any m_less; // fewer changes wait than did
+    int m_waiting SPECTREE_GUARDED_BY(m_mutex) = 0;
+    bool m_traced SPECTREE_GUARDED_BY(m_mutex) = false;
 };
 
 } // namespace values

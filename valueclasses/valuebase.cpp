@@ -32,6 +32,14 @@ bool checkValueName(const QString &name)
            std::all_of(name.begin(), name.end(), isAllowed);
 }
 
+QString checkedName(QString &&name)
+{
+    if (!checkValueName(name))
+        throw KRException("Argument Exception: invalid value object name", __FILE__, "ValueBase",
+                          "Constructor", __LINE__);
+    return std::move(name);
+}
+
 } // namespace
 
 unsigned char ValueBase::initialFlags()
@@ -41,13 +49,10 @@ unsigned char ValueBase::initialFlags()
 
 ValueBase::ValueBase() : m_flags(initialFlags()) {}
 
-ValueBase::ValueBase(QString name, TValueState state) : ValueBase()
+// The name is checked before there is a value, whose end a destructor would tell.
+ValueBase::ValueBase(QString name, TValueState state)
+    : m_name(checkedName(std::move(name))), m_state(state), m_flags(initialFlags())
 {
-    if (!checkValueName(name))
-        throw KRException("Argument Exception: invalid value object name", __FILE__, "ValueBase",
-                          "Constructor", __LINE__);
-    m_name = std::move(name);
-    m_state = state;
 }
 
 ValueBase::ValueBase(const ValueBase &other)
@@ -92,6 +97,8 @@ ValueBase::~ValueBase()
     // An observer that wasn't told, for a transaction is open, would keep a dangling pointer.
     setFlag(NotifyEnabled, true);
     ValueBase::NotifyObservers(CC_STATE, nullptr);
+    if (hasFlag(HasUndo) && IUndoManager::IsAlive(GetUndoManager()))
+        GetUndoManager()->ResetUndoStacks(); // its commands would change a value that is gone
     if (m_rare != nullptr && m_rare->notifyDeleteFn)
         std::exchange(m_rare->notifyDeleteFn, nullptr)(this);
     delete m_handOver.load(std::memory_order_acquire);
@@ -151,9 +158,8 @@ const std::string &ValueBase::GetTranslationNamespace() const
 void ValueBase::SetTranslationNamespace(const char *name, IObserver *source)
 {
     const std::string newName = name != nullptr ? name : "";
-    if (IsChangeForeign())
-        return PostChange(
-            [this, newName, source] { SetTranslationNamespace(newName.c_str(), source); });
+    if (PostIfForeign([=, this] { SetTranslationNamespace(newName.c_str(), source); }))
+        return;
     if (GetTranslationNamespace() == newName)
         return;
     rare().translationNamespace = newName;
@@ -167,15 +173,13 @@ QString ValueBase::GetStringValue() const { return {}; }
 
 void ValueBase::SetState(TValueState state, IObserver *source)
 {
-    if (IsChangeForeign())
-        return PostChange([this, state, source] { SetState(state, source); });
-    if (state == m_state)
+    if (PostIfForeign([=, this] { ValueBase::SetState(state, source); }) || state == m_state)
         return;
     if (IUndoManager *undo = GetUndoManager()) {
         if (state == VS_DELETED)
             undo->ResetUndoStacks(); // a deleted value can't be restored
         else
-            undo->AddUndoCommand(new CommandSetState(this, m_state, nullptr));
+            AddUndo(new CommandSetState(this, m_state, nullptr));
     }
     m_state = state;
     if (Record())
@@ -189,6 +193,13 @@ bool ValueBase::Compare(const ValueBase *other) const
            m_state == other->m_state && m_properties == other->m_properties &&
            IsAutoDelete() == other->IsAutoDelete() && m_descriptor == other->m_descriptor &&
            GetUpdateTimerTime() == other->GetUpdateTimerTime();
+}
+
+void ValueBase::failAssign(const ValueBase &other)
+{
+    throw KRException(QStringLiteral("A value of another kind cannot take over the %1 \"%2\".")
+                          .arg(other.GetTypeName(), other.GetName()),
+                      __FILE__, "ValueBase", "Assign", __LINE__);
 }
 
 void ValueBase::BindNotifyDeleteFn(std::function<void(ValueBase *)> function)
@@ -205,11 +216,11 @@ int ValueBase::SetUpdateTimerTime(unsigned int milliseconds)
 {
     // A timer runs on the thread that starts it.
     if (isForeignThread()) {
-        PostChange([this, milliseconds] { SetUpdateTimerTime(milliseconds); });
+        PostChange([this, milliseconds] { ValueBase::SetUpdateTimerTime(milliseconds); });
         return 0;
     }
-    if (IUndoManager *undo = GetUndoManager())
-        undo->AddUndoCommand(new CommandUpdateTimerTime(this, GetUpdateTimerTime(), nullptr));
+    if (GetUndoManager() != nullptr)
+        AddUndo(new CommandUpdateTimerTime(this, GetUpdateTimerTime(), nullptr));
     const int id = startTimer(milliseconds);
     if (Record())
         RecordCommand(new CommandUpdateTimerTime(this, milliseconds, nullptr));
@@ -252,11 +263,40 @@ void ValueBase::KillOverrideTimer(int /*id*/)
                       __FILE__, "ValueBase", "KillOverrideTimer", __LINE__);
 }
 
+void ValueBase::AddUndo(Command *command)
+{
+    setFlag(HasUndo, true);
+    GetUndoManager()->AddUndoCommand(command);
+}
+
 LastDeletedObject &LastDeletedObject::Instance()
 {
     // Never destroyed: values of static storage write here at the very end.
     static auto *const last = new LastDeletedObject;
     return *last;
+}
+
+namespace {
+// Never destroyed: managers and values of static storage come and go until the very end.
+std::vector<const IUndoManager *> &livingManagers()
+{
+    static auto *const living = new std::vector<const IUndoManager *>;
+    return *living;
+}
+} // namespace
+
+IUndoManager::IUndoManager() { livingManagers().push_back(this); }
+
+IUndoManager::~IUndoManager()
+{
+    auto &living = livingManagers();
+    living.erase(std::remove(living.begin(), living.end(), this), living.end());
+}
+
+bool IUndoManager::IsAlive(const IUndoManager *manager)
+{
+    const auto &living = livingManagers();
+    return std::find(living.begin(), living.end(), manager) != living.end();
 }
 
 namespace {

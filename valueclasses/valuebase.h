@@ -9,6 +9,8 @@
 
 #include <atomic>
 #include <functional>
+#include <type_traits>
+#include <utility>
 
 namespace values {
 
@@ -29,12 +31,13 @@ class ValueItem;
 ///
 /// Threads:   a value lives on the application thread and holds no lock. A setter may be called on
 ///            another thread once there is an application object: the store happens there, by one
-///            writer at a time, and the notification is posted. Where recording or undo is on, the
-///            whole change is posted instead. Destroying or notifying a value made before the
-///            application object on a wrong thread ends the process.
+///            writer at a time, and the notification is posted. Where recording or undo is on, or
+///            earlier changes still wait, the whole change is posted instead; see PostChange.
+///            Destroying or notifying a value made before the application object on a wrong thread
+///            ends the process.
 /// Ownership: commands belong to the list that holds them; observers, tree item, descriptor and
-/// undo
-///            manager are not owned.
+///            undo manager are not owned. A value whose changes went to an undo manager empties it
+///            when it dies, since nothing can restore it.
 /// Errors:    KRException, with nothing changed.
 class SPECTREE_EXPORT ValueBase : public IValue,
                                   public IDeleteSubject,
@@ -191,13 +194,58 @@ protected:
     void StartTrImpl() { setFlag(NotifyEnabled, false); }
     void EndTrImpl(TChangeCode code, IObserver *source);
 
-    /// True when a setter on this thread may neither record nor undo, but has to.
+    /// The road of a change to one member, whole; a setter needs no more than this. An equal
+    /// \a value ends it. \a make(state, source, use) gives a new command that sets \a state.
+    template <typename T, typename MakeCommand>
+    void ChangeField(T &field, std::type_identity_t<T> value, TChangeCode code, IObserver *source,
+                     MakeCommand make)
+    {
+        if (PostIfForeign([=, this, &field] { ChangeField(field, value, code, source, make); }))
+            return;
+        if (!(field == value))
+            StoreChanged(field, std::move(value), code, source, make);
+    }
+    /// The road behind the test for an equal value, on a thread that may go it.
+    template <typename T, typename MakeCommand>
+    void StoreChanged(T &field, std::type_identity_t<T> value, TChangeCode code, IObserver *source,
+                      const MakeCommand &make)
+    {
+        if (GetUndoManager() != nullptr)
+            AddUndo(make(std::as_const(field), nullptr, CommandUse::Undo));
+        field = std::move(value);
+        if (Record())
+            RecordCommand(make(std::as_const(field), source, CommandUse::Record));
+        NotifyObservers(code, source);
+    }
+    /// The first line of a setter with a road of its own: posts \a repeat, which calls the setter
+    /// again, when this thread may neither record nor undo but has to. True when it did.
+    template <typename Repeat>
+    bool PostIfForeign(Repeat &&repeat)
+    {
+        if (!IsChangeForeign()) [[likely]]
+            return false;
+        PostChange(std::forward<Repeat>(repeat));
+        return true;
+    }
     bool IsChangeForeign() const
     {
-        return (Record() || GetUndoManager() != nullptr) && isForeignThread();
+        return (hasFlag(Recording | RecordingForTransmission | ChangesPosted) ||
+                GetUndoManager() != nullptr) &&
+               isForeignThread();
     }
-    /// Traces and runs \a change on the application thread; dropped when this value dies first.
+    /// Runs \a change on the application thread, after those posted before; dropped when this value
+    /// dies first. The first one is traced. While 10 000 wait, the caller waits for up to a second.
     void PostChange(std::function<void()> change);
+    /// Gives \a command to the undo manager, which there is; owns it from the call on.
+    void AddUndo(Command *command);
+    /// \a other as a \a V. \throws KRException when it is none.
+    template <typename V>
+    static const V &CastForAssign(const ValueBase &other)
+    {
+        if (const auto *same = dynamic_cast<const V *>(&other))
+            return *same;
+        failAssign(other);
+    }
 
 private:
     struct Rare; // what few values have, made on first use
@@ -206,7 +254,9 @@ private:
         Recording = 2,
         RecordingForTransmission = 4,
         AutoDelete = 8,
-        HandsOver = 16, // an application object existed at construction
+        HandsOver = 16,     // an application object existed at construction
+        ChangesPosted = 32, // changes of other threads wait on the application thread
+        HasUndo = 64,       // an undo manager was given a command of this value
     };
     enum Property : unsigned int { PropertyStore = 1, PropertyExport = 2 };
 
@@ -225,7 +275,9 @@ private:
     int startTimer(unsigned int milliseconds);
     NotifyDistinction &handOver();
     [[noreturn]] void failWrongThread(TChangeCode code) const;
+    [[noreturn]] static void failAssign(const ValueBase &other);
     void closeUndoBracket(TChangeCode code);
+    friend class NotifyDistinction;
     void NotificationEnded() override;
 
     QString m_name;

@@ -11,8 +11,8 @@ namespace values {
 
 void ValueBase::HasChanged(TChangeCode code, IObserver *source)
 {
-    if (IsChangeForeign())
-        return PostChange([this, code, source] { HasChanged(code, source); });
+    if (PostIfForeign([=, this] { ValueBase::HasChanged(code, source); }))
+        return;
     if (Record())
         RecordCommand(new CommandHasChanged(this, code, source));
     if (!hasFlag(NotifyEnabled))
@@ -22,14 +22,18 @@ void ValueBase::HasChanged(TChangeCode code, IObserver *source)
 
 void ValueBase::NotifyObservers(TChangeCode code, IObserver *source)
 {
-    if (!hasFlag(NotifyEnabled))
+    if (Kelm::isAcceptableThread() || Kelm::isUnloading()) [[likely]] {
+        if (hasFlag(NotifyEnabled))
+            NotifyObserversDistinct(code, source);
         return;
-    if (Kelm::isAcceptableThread() || Kelm::isUnloading())
-        NotifyObserversDistinct(code, source);
-    else if (hasFlag(HandsOver))
-        handOver().NotifyObservers(code, source);
-    else
+    }
+    // Whether a transaction holds it back is only known behind the changes that wait.
+    if (PostIfForeign([=, this] { ValueBase::NotifyObservers(code, source); }) ||
+        !hasFlag(NotifyEnabled))
+        return;
+    if (!hasFlag(HandsOver))
         failWrongThread(code);
+    handOver().NotifyObservers(code, source);
 }
 
 void ValueBase::NotifyObserversDistinct(TChangeCode code, IObserver *source)
@@ -92,19 +96,7 @@ NotifyDistinction &ValueBase::handOver()
 
 void ValueBase::PostChange(std::function<void()> change)
 {
-    SPECTREE_TRACE(TraceWarnings,
-                   QStringLiteral("VTTHREADING: Change of a recorded value in non-main thread is "
-                                  "posted. ValueName: %1")
-                       .arg(m_name));
-    // There is no caller left who could be told, and nothing may pass through the event loop.
-    Kelm::post(&handOver(), [change = std::move(change)] {
-        try {
-            change();
-        } catch (const std::exception &error) {
-            SPECTREE_TRACE(TraceWarnings, QStringLiteral("A posted change was refused: %1")
-                                              .arg(QString::fromUtf8(error.what())));
-        }
-    });
+    handOver().PostChange(std::move(change));
 }
 
 void ValueBase::DeleteObserver(IObserver *observer)

@@ -44,17 +44,17 @@ TChangeCode ValueBase::GetUndoChangeCode(TChangeCode code)
 
 void ValueBase::StartTransaction(IObserver *source)
 {
-    if (IsChangeForeign())
-        return PostChange([this, source] { StartTransaction(source); });
+    if (PostIfForeign([=, this] { ValueBase::StartTransaction(source); }))
+        return;
     if (m_transactionCount < 1 && (source != nullptr || m_rare != nullptr))
         rare().transactionSource = source;
     ++m_transactionCount;
     setFlag(NotifyEnabled, false);
-    if (IUndoManager *undo = GetUndoManager()) {
+    if (GetUndoManager() != nullptr) {
         // Undo runs backwards: there this command ends what EndTransaction's begins.
         const std::uint64_t bracket = nextBracket();
         rare().openBrackets.push_back({m_transactionCount, bracket});
-        undo->AddUndoCommand(new CommandEndTransaction(this, CC_NONE, nullptr, bracket));
+        AddUndo(new CommandEndTransaction(this, CC_NONE, nullptr, bracket));
     }
     if (Record())
         RecordCommand(new CommandStartTransaction(this, source));
@@ -62,8 +62,8 @@ void ValueBase::StartTransaction(IObserver *source)
 
 void ValueBase::EndTransaction(TChangeCode code, IObserver *source)
 {
-    if (IsChangeForeign())
-        return PostChange([this, code, source] { EndTransaction(code, source); });
+    if (PostIfForeign([=, this] { ValueBase::EndTransaction(code, source); }))
+        return;
     closeUndoBracket(code);
     --m_transactionCount;
     if (Record())
@@ -94,7 +94,7 @@ void ValueBase::closeUndoBracket(TChangeCode code)
         SPECTREE_TRACE(TraceLifecycle,
                        QStringLiteral("Error in ValueBase::EndTransaction: Cannot replace undo "
                                       "command of ValueBase::StartTransaction"));
-    undo->AddUndoCommand(new CommandStartTransaction(this, nullptr));
+    AddUndo(new CommandStartTransaction(this, nullptr));
 }
 
 void ValueBase::EndTrImpl(TChangeCode code, IObserver *source)

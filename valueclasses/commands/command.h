@@ -45,6 +45,12 @@ private:
     int m_id = -1;
 };
 
+/// For whom a command of a change is made.
+enum class CommandUse {
+    Record, ///< carries the new state to another value
+    Undo,   ///< puts the old state back, whatever limits it
+};
+
 using CommandList = std::vector<std::unique_ptr<Command>>;
 
 } // namespace values

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <limits>
 #include <string_view>
 
@@ -75,6 +76,10 @@ void appendText(std::string &out, double number)
     char digits[std::numeric_limits<double>::max_exponent10 + 16];
     if (number == 0.0)
         number = 0.0; // QString prints no sign for a negative zero
+    if (std::isnan(number)) {
+        out += "nan"; // nor for what is no number
+        return;
+    }
     const auto end =
         std::to_chars(digits, digits + sizeof digits, number, std::chars_format::fixed, 6).ptr;
     out.append(digits, end);

@@ -20,58 +20,25 @@ SPECTREE_EXPORT QString ReadToken(const char **pos);
 
 } // namespace Format
 
-/// Integers up to 32 bits and unsigned 64 bits. A `char` prints as the character that it is, and
-/// reads as a number: the two don't match.
-template <typename T>
-class SPECTREE_EXPORT FormatInt {
-public:
-    static QString GetString(const T &value);
-    static T GetValue(const QString &text);
-};
-
-template <typename T>
-class SPECTREE_EXPORT FormatInt64 {
-public:
-    static QString GetString(const T &value);
-    static T GetValue(const QString &text);
-};
-
+#define SPECTREE_FORMAT_CLASS(Name)                                                                \
+    template <typename T>                                                                          \
+    class SPECTREE_EXPORT Name {                                                                   \
+    public:                                                                                        \
+        static QString GetString(const T &value);                                                  \
+        static T GetValue(const QString &text);                                                    \
+    };
+/// Integers up to 32 bits. A `char` prints as the character that it is, and reads as a number: the
+/// two don't match.
+SPECTREE_FORMAT_CLASS(FormatInt)
+SPECTREE_FORMAT_CLASS(FormatInt64)
 /// "true" and "false"; every other text reads as false.
-template <typename T>
-class SPECTREE_EXPORT FormatBool {
-public:
-    static QString GetString(const T &value);
-    static T GetValue(const QString &text);
-};
-
+SPECTREE_FORMAT_CLASS(FormatBool)
 /// Six decimals.
-template <typename T>
-class SPECTREE_EXPORT FormatFloat {
-public:
-    static QString GetString(const T &value);
-    static T GetValue(const QString &text);
-};
-
-template <typename T>
-class SPECTREE_EXPORT FormatCString {
-public:
-    static QString GetString(const T &value);
-    static T GetValue(const QString &text);
-};
-
-template <typename T>
-class SPECTREE_EXPORT FormatWString {
-public:
-    static QString GetString(const T &value);
-    static T GetValue(const QString &text);
-};
-
-template <typename T>
-class SPECTREE_EXPORT FormatString {
-public:
-    static QString GetString(const T &value);
-    static T GetValue(const QString &text);
-};
+SPECTREE_FORMAT_CLASS(FormatFloat)
+SPECTREE_FORMAT_CLASS(FormatCString)
+SPECTREE_FORMAT_CLASS(FormatWString)
+SPECTREE_FORMAT_CLASS(FormatString)
+#undef SPECTREE_FORMAT_CLASS
 
 /// The field types and their format classes.
 #define SPECTREE_FOR_EACH_FIELD_TYPE(X)                                                            \
@@ -131,11 +98,18 @@ public:
     {
         return Kelm::toStandardString(value);
     }
-    static void Append(std::string &out, const T &value, int /*mode*/)
-    {
-        out += Kelm::toStandardString(value);
-    }
+    static void Append(std::string &out, const T &value, int mode) { out += ToStream(value, mode); }
 };
+
+/// Appends a field in the stream format S, in place where S can.
+template <typename S, typename T>
+void AppendField(std::string &out, const T &value, int mode)
+{
+    if constexpr (requires { S::Append(out, value, mode); })
+        S::Append(out, value, mode);
+    else
+        out += S::ToStream(value, mode);
+}
 
 #define SPECTREE_DECLARE(T, FormatClass)                                                           \
     extern template class SPECTREE_EXPORT FormatClass<T>;                                          \

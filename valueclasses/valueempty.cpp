@@ -1,0 +1,13 @@
+#include "valueclasses/valueempty.h"
+
+namespace values {
+
+void ValueEmpty::Assign(const ValueBase &other) { *this = CastForAssign<ValueEmpty>(other); }
+
+bool ValueEmpty::Compare(const ValueBase *other) const
+{
+    const auto *same = dynamic_cast<const ValueEmpty *>(other);
+    return same != nullptr && (same == this || ValueBase::Compare(other));
+}
+
+} // namespace values
