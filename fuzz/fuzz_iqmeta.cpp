@@ -1,4 +1,4 @@
-#include "apps/receiver/failure.h"
+#include "apps/common/failure.h"
 #include "apps/receiver/sigmf.h"
 #include "apps/receiver/wavreader.h"
 
@@ -42,7 +42,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     for (auto *read : {&readWav, &readSigMf})
         try {
             read(bytes);
-        } catch (const receiver::Failure &) {
+        } catch (const apps::Failure &) {
             // Most inputs are neither.
         }
     return 0;

@@ -1,4 +1,4 @@
-#include "apps/receiver/failure.h"
+#include "apps/common/failure.h"
 #include "apps/receiver/sweepreader.h"
 
 #include <QBuffer>
@@ -19,7 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         while (reader.read(scan))
             if (scan.levels.size() != channels || channels == 0)
                 std::abort();
-    } catch (const receiver::Failure &) {
+    } catch (const apps::Failure &) {
         // Most inputs are no sweep file.
     }
     return 0;

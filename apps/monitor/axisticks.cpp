@@ -94,4 +94,10 @@ QString groupedNumber(quint64 number)
     return text;
 }
 
+QString countText(quint64 number, const char *thing)
+{
+    return groupedNumber(number) + QLatin1Char(' ') + QLatin1String(thing) +
+           (number == 1 ? QString() : QStringLiteral("s"));
+}
+
 } // namespace monitor

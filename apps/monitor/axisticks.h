@@ -35,5 +35,7 @@ QString tickLabel(double value, double step, const EngineeringUnit &unit);
 QString frequencyText(double hz, double resolutionHz);
 /// A whole number with thin groups of three digits, e.g. "10 000".
 QString groupedNumber(quint64 number);
+/// How many there are of something: "1 line", "10 000 lines".
+QString countText(quint64 number, const char *thing);
 
 } // namespace monitor

@@ -1,5 +1,5 @@
+#include "apps/common/program.h"
 #include "apps/monitor/axisticks.h"
-#include "apps/monitor/failure.h"
 #include "apps/monitor/options.h"
 #include "apps/monitor/report.h"
 #include "apps/monitor/session.h"
@@ -11,21 +11,15 @@
 
 #include <csignal>
 #include <cstdio>
-#include <exception>
 #include <memory>
 #include <sys/signalfd.h>
 #include <unistd.h>
 
 using namespace monitor;
+using apps::Failure;
+using apps::printLine;
 
 namespace {
-
-void say(FILE *stream, const QString &text) { std::fprintf(stream, "%s\n", qPrintable(text)); }
-
-void complain(const QString &sentence)
-{
-    say(stderr, QStringLiteral("spectree-monitor: ") + sentence);
-}
 
 /// A long run whose end can't be written is noticed before it begins.
 void checkFolder(const QString &path)
@@ -87,14 +81,14 @@ void writeResults(const Session &session, const Options &options)
             throw Failure(Failure::Runtime, error);
     if (options.quiet)
         return;
-    QString text = QStringLiteral("%1 lines of %2 channels, %3 messages lost")
-                       .arg(groupedNumber(report.lines), groupedNumber(report.channels),
-                            groupedNumber(report.lostMessages));
+    QString text = QStringLiteral("%1 of %2, %3 lost")
+                       .arg(countText(report.lines, "line"), countText(report.channels, "channel"),
+                            countText(report.lostMessages, "message"));
     if (!report.peaks.empty())
         text += QStringLiteral("; strongest: %1 at %2 dBuV")
                     .arg(frequencyText(report.peaks[0].frequencyHz, 100.0))
                     .arg(report.peaks[0].levelDbuv, 0, 'f', 1);
-    say(stderr, text);
+    printLine(stderr, text);
 }
 
 int run(const Options &options)
@@ -105,7 +99,7 @@ int run(const Options &options)
     stopOnSignals(session);
     if (!options.quiet)
         QObject::connect(&session, &Session::progress, &session,
-                         [](const QString &sentence) { say(stderr, sentence); });
+                         [](const QString &sentence) { printLine(stderr, sentence); });
     QObject::connect(&session, &Session::finished, qApp, &QCoreApplication::quit,
                      Qt::QueuedConnection);
     session.start();
@@ -117,29 +111,13 @@ int run(const Options &options)
     return 0;
 }
 
-int dispatch(const QStringList &arguments)
-{
-    const Options options = parseOptions(arguments);
-    switch (options.action) {
-    case Options::Action::showHelp:
-        std::fputs(qPrintable(helpText()), stdout);
-        return 0;
-    case Options::Action::showVersion:
-        say(stdout, QStringLiteral("spectree-monitor ") + QCoreApplication::applicationVersion());
-        return 0;
-    case Options::Action::run:
-        break;
-    }
-    return run(options);
-}
-
 /// Qt warns those without a login session, such as cron, of the folder for sockets that they lack;
 /// a program without a screen needs none.
 std::unique_ptr<QGuiApplication> makeApplication(int &argc, char **argv)
 {
     const auto keepErrors = [](QtMsgType type, const QMessageLogContext &, const QString &text) {
         if (type != QtDebugMsg && type != QtInfoMsg && type != QtWarningMsg)
-            say(stderr, text);
+            printLine(stderr, text);
     };
     const QtMessageHandler usual = qInstallMessageHandler(keepErrors);
     auto application = std::make_unique<QGuiApplication>(argc, argv);
@@ -159,13 +137,8 @@ int main(int argc, char **argv)
     const auto application = makeApplication(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("spectree-monitor"));
     QCoreApplication::setApplicationVersion(QStringLiteral(SPECTREE_VERSION));
-    try {
-        return dispatch(QCoreApplication::arguments());
-    } catch (const Failure &failure) {
-        complain(failure.sentence());
-        return failure.code();
-    } catch (const std::exception &error) {
-        complain(QString::fromUtf8(error.what()));
-        return Failure::Runtime;
-    }
+    return apps::runProgram([] {
+        const Options options = parseOptions(QCoreApplication::arguments());
+        return apps::perform(options.request, [&options] { return run(options); });
+    });
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "apps/common/program.h"
+
 #include <QSize>
 #include <QString>
 #include <QStringList>
@@ -10,8 +12,7 @@ namespace monitor {
 
 /// What the command line asks for.
 struct Options {
-    enum class Action { run, showHelp, showVersion };
-    Action action = Action::run;
+    apps::Request request; ///< where it isn't to run, what follows is not filled
 
     QString endpoint;
     QString pngFile, jsonFile; ///< empty: not asked for; the report's "-" is standard output
@@ -27,14 +28,8 @@ struct Options {
     bool quiet = false;
 };
 
-/// Reads the command line, of which the first entry is the program.
+/// Reads the command line, of which the first entry is the program. Needs a QCoreApplication.
 /// \throws Failure (usage) with a sentence that names the option
 Options parseOptions(const QStringList &arguments);
-
-/// The text of --help. Needs a QCoreApplication.
-QString helpText();
-
-/// A number with an optional k, M or G: "98.5M". nullopt for anything else, infinities included.
-std::optional<double> parseHertz(const QString &text);
 
 } // namespace monitor

@@ -23,21 +23,36 @@ LevelAxis levelAxisFor(const SpectrumDisplay &display, const std::vector<float> 
         std::fmax(levelQuantile(display.highest(), 1.0), levelQuantile(display.latest(), 1.0));
     if (!std::isfinite(weakest) || !std::isfinite(strongest))
         return {0.0, 100.0};
-    const double span = std::max(strongest - weakest, 15.0);
+    const double span = std::max(strongest - weakest, 10.0);
     const double step = ticksFor(0.0, span, 8).step;
     return {step * std::floor((weakest - 0.06 * span) / step),
             step * std::ceil((weakest + 1.16 * span) / step)};
 }
 
-/// Black is a little below the noise floor, so that noise keeps its texture and weak signals show.
-LevelAxis colourAxisFor(const SpectrumDisplay &display, const std::vector<float> &mean)
+/// Levels of the waterfall as it is painted: a column holds the strongest of its pixels, whose
+/// noise lies higher than that of the mean.
+std::vector<float> paintedLevels(const Scene &scene)
 {
-    const double floorLevel = levelQuantile(mean, 0.2);
-    const double strongest = levelQuantile(display.highest(), 0.999);
+    constexpr std::size_t kRows = 64; // enough to tell the noise
+    const auto &rows = scene.display.history().rows();
+    std::vector<float> levels;
+    for (std::size_t row = 0; row < rows.size(); row += rows.size() / kRows + 1) {
+        const auto columns =
+            foldToColumns(rows[row].levels, std::size_t(std::max(1.0, scene.waterfall.width())));
+        levels.insert(levels.end(), columns.begin(), columns.end());
+    }
+    return levels;
+}
+
+/// Noise begins at black, so that it stays dark and weak signals show.
+LevelAxis colourAxisFor(const Scene &scene)
+{
+    const double floorLevel = levelQuantile(paintedLevels(scene), 0.1);
+    const double strongest = levelQuantile(scene.display.highest(), 0.999);
     if (!std::isfinite(floorLevel) || !std::isfinite(strongest))
         return {0.0, 100.0};
-    const double low = std::floor(floorLevel - 6.0);
-    return {low, std::ceil(std::max(strongest, low + 20.0))};
+    const double low = std::floor(floorLevel);
+    return {low, std::ceil(std::max(strongest, low + 10.0))};
 }
 
 void layOut(Scene &scene, const QSize &size)
@@ -89,10 +104,10 @@ Scene makeScene(const SpectrumDisplay &display, const Caption &caption, const QS
 {
     Scene scene{display, caption, display.mean(), {}, {}, {}, 1.0, {}, {}, {}};
     scene.curveAxis = levelAxisFor(display, scene.mean);
-    scene.colourAxis = colourAxisFor(display, scene.mean);
     scene.scale =
         std::clamp(std::min(size.width() / kUsualWidth, size.height() / kUsualHeight), 0.6, 4.0);
     layOut(scene, size);
+    scene.colourAxis = colourAxisFor(scene);
     return scene;
 }
 

@@ -65,15 +65,16 @@ QString figures(const Scene &scene)
     const Caption &caption = scene.caption;
     const double span = scene.display.stopHz() - scene.display.startHz();
     QStringList parts{caption.source, QStringLiteral("span ") + frequencyText(span, span / 1000.0),
-                      groupedNumber(caption.channels) + QStringLiteral(" channels")};
+                      countText(caption.channels, "channel")};
     if (caption.scansPerSecond > 0.0) {
-        const int decimals = caption.scansPerSecond < 100.0 ? 1 : 0;
-        parts << QString::number(caption.scansPerSecond, 'f', decimals) +
+        const double rate = caption.scansPerSecond;
+        parts << (rate < 100.0 ? QString::number(rate, 'f', 1)
+                               : groupedNumber(quint64(std::llround(rate)))) +
                      QStringLiteral(" scans/s");
     }
-    parts << groupedNumber(caption.lines) + QStringLiteral(" lines");
+    parts << countText(caption.lines, "line");
     if (caption.lostMessages > 0)
-        parts << groupedNumber(caption.lostMessages) + QStringLiteral(" messages lost");
+        parts << countText(caption.lostMessages, "message") + QStringLiteral(" lost");
     return parts.join(QStringLiteral("   ·   "));
 }
 

@@ -74,35 +74,59 @@ void fillBelow(QPainter &painter, const Scene &scene, const Lines &lines)
     painter.setBrush(Qt::NoBrush);
 }
 
-void paintLabel(QPainter &painter, const Scene &scene, const Peak &peak)
+/// The strongest level between two places of the curve.
+double topBetween(const Scene &scene, double left, double right)
+{
+    const auto &highest = scene.display.highest();
+    const auto pixelAt = [&](double x) {
+        const double share = (x - scene.curve.left()) / scene.curve.width();
+        return std::size_t(std::clamp(share, 0.0, 1.0) * double(highest.size()));
+    };
+    float top = std::nanf("");
+    for (std::size_t i = pixelAt(left); i < std::min(pixelAt(right) + 1, highest.size()); ++i)
+        top = std::fmax(top, highest[i]);
+    return double(top);
+}
+
+/// Paints what a peak is called, clear of the traces around it, unless a label in \a taken is
+/// there.
+void paintLabel(QPainter &painter, const Scene &scene, const Peak &peak, std::vector<QRectF> &taken)
 {
     const double s = scene.scale;
     // The middle of a pixel needs one digit more than its width.
     const double resolution = std::min(0.1 * scene.pixelWidthHz(), 1e6);
     const QString frequency = frequencyText(peak.frequencyHz, resolution);
     const QString level = QString::number(peak.levelDbuv, 'f', 1) + QStringLiteral(" dBµV");
-    const double x = scene.xOfFrequency(peak.frequencyHz);
-    // The label stands above the trace of the highest levels, which covers the mean.
-    const auto top = scene.display.highest()[peak.pixel];
-    const double y = scene.yOfLevel(std::fmax(top, peak.levelDbuv)) - 5.0 * s;
     painter.setFont(scene.font(11));
     const double width = std::max(painter.fontMetrics().horizontalAdvance(frequency),
                                   painter.fontMetrics().horizontalAdvance(level)) +
                          4.0;
-    const double line = 14.0 * s;
-    QRectF box(x - 0.5 * width, y - 7.0 * s - 2.0 * line, width, line);
-    box.moveLeft(std::clamp(box.left(), scene.curve.left() + 2.0,
-                            std::max(scene.curve.left() + 2.0, scene.curve.right() - width - 2.0)));
-    box.moveTop(std::max(box.top(), scene.curve.top() + 2.0));
+    const double line = 14.0 * s, least = scene.curve.left() + 2.0;
+    const double x = scene.xOfFrequency(peak.frequencyHz);
+    const double left =
+        std::clamp(x - 0.5 * width, least, std::max(least, scene.curve.right() - width - 2.0));
+    const double top = std::fmax(topBetween(scene, left, left + width), peak.levelDbuv);
+    const double y =
+        std::max(scene.yOfLevel(top) - 5.0 * s, scene.curve.top() + 2.0 * line + 9.0 * s);
+    const QRectF box(left, y - 7.0 * s - 2.0 * line, width, 2.0 * line);
+    for (const QRectF &other : taken)
+        if (other.intersects(box))
+            return;
+    taken.push_back(box);
+    const double own =
+        scene.yOfLevel(std::fmax(scene.display.highest()[peak.pixel], peak.levelDbuv));
+    painter.setPen(QPen(Theme::quietText, 1.0, Qt::DotLine));
+    if (own > y + 8.0 * s)
+        painter.drawLine(QPointF(x, y), QPointF(x, own));
     painter.setPen(Qt::NoPen);
     painter.setBrush(Theme::text);
     painter.drawPolygon(
         QPolygonF({{x - 4.0 * s, y - 6.0 * s}, {x + 4.0 * s, y - 6.0 * s}, {x, y}}));
     painter.setBrush(Qt::NoBrush);
     painter.setPen(Theme::text);
-    painter.drawText(box, Qt::AlignCenter, frequency);
+    painter.drawText(box.adjusted(0.0, 0.0, 0.0, -line), Qt::AlignCenter, frequency);
     painter.setPen(Theme::quietText);
-    painter.drawText(box.translated(0.0, line), Qt::AlignCenter, level);
+    painter.drawText(box.adjusted(0.0, line, 0.0, 0.0), Qt::AlignCenter, level);
 }
 
 } // namespace
@@ -126,9 +150,10 @@ void paintPeakLabels(QPainter &painter, const Scene &scene)
     const double labelWidth = 110.0 * scene.scale;
     const auto separation =
         std::size_t(labelWidth / scene.curve.width() * double(display.pixels())) + 1;
+    std::vector<QRectF> taken;
     for (const Peak &peak : labelledPeaks(peaks, levelQuantile(scene.mean, 0.2), kLabelProminenceDb,
                                           separation, kMostLabels))
-        paintLabel(painter, scene, peak);
+        paintLabel(painter, scene, peak, taken);
 }
 
 void paintLegend(QPainter &painter, const Scene &scene)

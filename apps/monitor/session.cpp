@@ -1,38 +1,23 @@
 #include "apps/monitor/session.h"
 
+#include "apps/common/keyfiles.h"
 #include "apps/monitor/axisticks.h"
 #include "platform/base/krexception.h"
 #include "platform/transmission/consumerconnector.h"
 #include "scanbuffer/mdatatypes.h"
 
-#include <QFile>
-
 #include <cmath>
 
 namespace monitor {
+
+using apps::Failure;
+
 namespace {
 
 constexpr int kTickMs = 20;
 constexpr double kAxisRequestSeconds = 0.2;
 constexpr double kProgressSeconds = 5.0;
 constexpr std::size_t kPeaks = 200;
-
-/// The first key of a file, in which # begins a comment.
-QString readKey(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
-        throw Failure(
-            Failure::Runtime,
-            QStringLiteral("Cannot read the key file \"%1\": %2.").arg(path, file.errorString()));
-    while (!file.atEnd()) {
-        const QString line = QString::fromUtf8(file.readLine(4096));
-        const QString key = line.section(QLatin1Char('#'), 0, 0).trimmed();
-        if (!key.isEmpty())
-            return key;
-    }
-    throw Failure(Failure::Runtime, QStringLiteral("The key file \"%1\" holds no key.").arg(path));
-}
 
 QString reasonOf(const KRException &error) { return QString::fromUtf8(error.what()); }
 
@@ -43,8 +28,8 @@ sbs::ConsumerOptions consumerOptions(const Options &options)
             return sbs::ConsumerOptions::fromConfiguration();
         sbs::ConsumerOptions result;
         result.serverKey =
-            sbs::CurveKeys::parse(readKey(options.serverKeyFile), options.serverKeyFile);
-        result.keys = sbs::CurveKeys::fromSecret(readKey(options.clientKeyFile));
+            sbs::CurveKeys::parse(apps::readKey(options.serverKeyFile), options.serverKeyFile);
+        result.keys = sbs::CurveKeys::fromSecret(apps::readKey(options.clientKeyFile));
         return result;
     } catch (const KRException &error) {
         throw Failure(Failure::Runtime,

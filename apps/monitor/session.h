@@ -1,8 +1,8 @@
 #pragma once
 
+#include "apps/common/failure.h"
 #include "apps/monitor/displayconsumer.h"
 #include "apps/monitor/displaywindow.h"
-#include "apps/monitor/failure.h"
 #include "apps/monitor/options.h"
 #include "apps/monitor/picture.h"
 #include "apps/monitor/report.h"
@@ -35,7 +35,7 @@ public:
     void stop();
 
     /// What went wrong, once finished() was emitted. What was seen is there all the same.
-    const std::optional<Failure> &failure() const { return m_failure; }
+    const std::optional<apps::Failure> &failure() const { return m_failure; }
     bool hasData() const { return m_window.display().rowCount() > 0; }
     const SpectrumDisplay &display() const { return m_window.display(); }
     Caption caption() const;
@@ -60,7 +60,7 @@ private:
     void confirmAxis(double now);
     void tellProgress(double now);
     void checkEnd(double now);
-    void end(std::optional<Failure> failure);
+    void end(std::optional<apps::Failure> failure);
     QString nothingCame() const;
     quint64 lostMessages() const;
 
@@ -81,7 +81,7 @@ private:
     std::size_t m_rowsSeen = 0;
     quint64 m_bytes = 0;
     QString m_reason; ///< why the last try to connect had no success
-    std::optional<Failure> m_failure;
+    std::optional<apps::Failure> m_failure;
 };
 
 } // namespace monitor

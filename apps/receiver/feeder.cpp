@@ -1,6 +1,6 @@
 #include "apps/receiver/feeder.h"
 
-#include "apps/receiver/failure.h"
+#include "apps/common/failure.h"
 #include "platform/base/krexception.h"
 #include "platform/base/sync.h"
 
@@ -8,6 +8,9 @@
 #include <cmath>
 
 namespace receiver {
+
+using apps::Failure;
+
 namespace {
 
 constexpr int kSettleMs = 300;

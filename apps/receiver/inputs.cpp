@@ -1,6 +1,6 @@
 #include "apps/receiver/inputs.h"
 
-#include "apps/receiver/failure.h"
+#include "apps/common/failure.h"
 #include "apps/receiver/simulation.h"
 #include "apps/receiver/sweepreader.h"
 
@@ -11,6 +11,9 @@
 #include <cmath>
 
 namespace receiver {
+
+using apps::Failure;
+
 namespace {
 
 KRTimeStamp now() { return KRTimeStamp(QDateTime::currentMSecsSinceEpoch()) * 1000; }

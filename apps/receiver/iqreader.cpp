@@ -1,6 +1,6 @@
 #include "apps/receiver/iqreader.h"
 
-#include "apps/receiver/failure.h"
+#include "apps/common/failure.h"
 #include "apps/receiver/sigmf.h"
 #include "apps/receiver/wavreader.h"
 #include "platform/base/bytes.h"
@@ -11,6 +11,9 @@
 #include <cmath>
 
 namespace receiver {
+
+using apps::Failure;
+
 namespace {
 
 constexpr std::size_t kSamplesPerRead = 16384;

@@ -1,29 +1,18 @@
-#include "apps/receiver/failure.h"
+#include "apps/common/program.h"
 #include "apps/receiver/feeder.h"
 #include "apps/receiver/inputs.h"
 #include "apps/receiver/serverconfig.h"
 #include "apps/receiver/terminationsignals.h"
 #include "platform/base/krexception.h"
-#include "platform/transmission/curvekeys.h"
 
 #include <QCoreApplication>
-
-#include <cstdio>
 
 namespace {
 
 using namespace receiver;
 
-void printLine(FILE *stream, const QString &text)
-{
-    std::fprintf(stream, "%s\n", text.toLocal8Bit().constData());
-    std::fflush(stream);
-}
-
-void note(const QString &sentence)
-{
-    printLine(stderr, QStringLiteral("spectree-receiver: ") + sentence);
-}
+using apps::Failure;
+using apps::note;
 
 std::unique_ptr<Feeder> makeFeeder(const Options &options)
 {
@@ -31,13 +20,14 @@ std::unique_ptr<Feeder> makeFeeder(const Options &options)
     auto input = openInput(options, note);
     try {
         auto sink = ScanSink::create(options.type, input->grid());
-        printLine(stdout, QStringLiteral("endpoint ") + QString::fromLatin1(sink->endpoint()));
+        apps::printLine(stdout,
+                        QStringLiteral("endpoint ") + QString::fromLatin1(sink->endpoint()));
         return std::make_unique<Feeder>(std::move(input), std::move(sink),
                                         FeedPlan{options.speed, options.loop, options.wait});
     } catch (const KRException &error) {
-        throw Failure(Failure::Runtime,
-                      QStringLiteral("Serving at %1 failed: %2. Another --listen may help.")
-                          .arg(options.listen, error.GetReason()));
+        throw Failure(
+            Failure::Runtime,
+            QStringLiteral("%1 The address is given with --listen.").arg(error.GetReason()));
     }
 }
 
@@ -77,29 +67,6 @@ int serve(const Options &options)
     return QCoreApplication::exec();
 }
 
-int runAction(const Options &options)
-{
-    switch (options.action) {
-    case Options::Action::showHelp:
-        printLine(stdout, helpText().trimmed());
-        return 0;
-    case Options::Action::showVersion:
-        printLine(stdout,
-                  QStringLiteral("spectree-receiver ") + QCoreApplication::applicationVersion());
-        return 0;
-    case Options::Action::makeKey: {
-        const sbs::CurveKeys keys = sbs::CurveKeys::generate();
-        printLine(stdout, QStringLiteral("# public key: %1\n%2")
-                              .arg(QString::fromLatin1(keys.publicKey),
-                                   QString::fromLatin1(keys.secretKey)));
-        return 0;
-    }
-    case Options::Action::run:
-        break;
-    }
-    return serve(options);
-}
-
 } // namespace
 
 int main(int argc, char **argv)
@@ -107,13 +74,8 @@ int main(int argc, char **argv)
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("spectree-receiver"));
     QCoreApplication::setApplicationVersion(QStringLiteral(SPECTREE_VERSION));
-    try {
-        return runAction(parseOptions(QCoreApplication::arguments()));
-    } catch (const Failure &failure) {
-        note(failure.sentence());
-        return failure.code();
-    } catch (const std::exception &error) {
-        note(QString::fromUtf8(error.what()));
-        return Failure::Runtime;
-    }
+    return apps::runProgram([] {
+        const Options options = parseOptions(QCoreApplication::arguments());
+        return apps::perform(options.request, [&options] { return serve(options); });
+    });
 }

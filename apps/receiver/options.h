@@ -1,5 +1,6 @@
 #pragma once
 
+#include "apps/common/program.h"
 #include "apps/receiver/rangefilter.h"
 #include "apps/receiver/spectrum.h"
 
@@ -31,8 +32,7 @@ enum class InputKind { simulation, iq, sweep };
 
 /// What the command line asks for.
 struct Options {
-    enum class Action { run, showHelp, showVersion, makeKey };
-    Action action = Action::run;
+    apps::Request request; ///< where it isn't to run, what follows is not filled
 
     InputKind inputKind = InputKind::simulation;
     QString inputText; ///< the file, or the simulation's keys
@@ -52,17 +52,8 @@ struct Options {
     QString clientKeysFile; ///< lists the public keys of the clients that are let in
 };
 
-/// Reads the command line, of which the first entry is the program.
+/// Reads the command line, of which the first entry is the program. Needs a QCoreApplication.
 /// \throws Failure (usage) with a sentence that names the option
 Options parseOptions(const QStringList &arguments);
-
-/// The text of --help. Needs a QCoreApplication.
-QString helpText();
-
-/// A number with an optional k, M or G: "98.5M". nullopt for anything else, infinities included.
-std::optional<double> parseHertz(const QString &text);
-
-/// True for an endpoint that only this computer can reach.
-bool isLoopback(const QString &endpoint);
 
 } // namespace receiver

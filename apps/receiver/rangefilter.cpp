@@ -1,11 +1,14 @@
 #include "apps/receiver/rangefilter.h"
 
-#include "apps/receiver/failure.h"
+#include "apps/common/failure.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace receiver {
+
+using apps::Failure;
+
 namespace {
 
 // Centres are sums of doubles: a range that names one exactly must find it.

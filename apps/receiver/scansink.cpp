@@ -1,6 +1,6 @@
 #include "apps/receiver/scansink.h"
 
-#include "apps/receiver/failure.h"
+#include "apps/common/failure.h"
 #include "apps/receiver/samplewriter.h"
 #include "scanbuffer/datasourceqobject.h"
 #include "scanbuffer/idatasourceadapter.h"
@@ -8,6 +8,9 @@
 #include "valueclasses/fastvaluemap.h"
 
 namespace receiver {
+
+using apps::Failure;
+
 namespace {
 
 values::ChannelRangeDefinition definitionOf(const Grid &grid)

@@ -5,7 +5,6 @@
 namespace receiver {
 
 /// Puts endpoint and keys of the command line into the configuration, before a server is made.
-/// Key files hold keys as text, apart by white space; "#" begins a comment.
 /// \throws Failure when a key file can't be read or holds no key
 void configureServer(const Options &options);
 

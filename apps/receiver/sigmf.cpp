@@ -1,6 +1,6 @@
 #include "apps/receiver/sigmf.h"
 
-#include "apps/receiver/failure.h"
+#include "apps/common/failure.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -15,6 +15,9 @@
 #include <map>
 
 namespace receiver {
+
+using apps::Failure;
+
 namespace {
 
 constexpr qint64 kLargestMeta = 64 << 20;

@@ -1,7 +1,5 @@
 #include "apps/receiver/simulation.h"
 
-#include "apps/receiver/failure.h"
-
 #include <algorithm>
 #include <cmath>
 #include <numbers>

@@ -1,5 +1,4 @@
-#include "apps/receiver/failure.h"
-#include "apps/receiver/options.h"
+#include "apps/common/commandline.h"
 #include "apps/receiver/simulation.h"
 
 #include <QStringList>
@@ -11,6 +10,10 @@
 #include <vector>
 
 namespace receiver {
+
+using apps::Failure;
+using apps::parseHertz;
+
 namespace {
 
 using Assign = std::function<bool(SimulationSettings &, const QString &)>;

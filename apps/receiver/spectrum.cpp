@@ -1,6 +1,6 @@
 #include "apps/receiver/spectrum.h"
 
-#include "apps/receiver/failure.h"
+#include "apps/common/failure.h"
 
 #include <algorithm>
 #include <cmath>
@@ -8,6 +8,9 @@
 #include <numeric>
 
 namespace receiver {
+
+using apps::Failure;
+
 namespace {
 
 std::vector<double> cosineTerms(Window window)

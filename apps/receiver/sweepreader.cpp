@@ -1,6 +1,6 @@
 #include "apps/receiver/sweepreader.h"
 
-#include "apps/receiver/failure.h"
+#include "apps/common/failure.h"
 
 #include <QDateTime>
 
@@ -10,6 +10,9 @@
 #include <limits>
 
 namespace receiver {
+
+using apps::Failure;
+
 namespace {
 
 // The longest line that any writer makes is some 20 MB (two million values).

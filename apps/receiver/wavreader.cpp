@@ -1,6 +1,6 @@
 #include "apps/receiver/wavreader.h"
 
-#include "apps/receiver/failure.h"
+#include "apps/common/failure.h"
 #include "platform/base/bytes.h"
 
 #include <QIODevice>
@@ -8,6 +8,9 @@
 #include <algorithm>
 
 namespace receiver {
+
+using apps::Failure;
+
 namespace {
 
 constexpr std::uint16_t kPcm = 1, kFloat = 3, kExtensible = 0xFFFE;

@@ -2,6 +2,7 @@
 #include "tests/apps/programs.h"
 
 #include <QElapsedTimer>
+#include <QFile>
 #include <QImage>
 #include <QThread>
 #include <gtest/gtest.h>
@@ -143,6 +144,15 @@ TEST(EndToEnd, AServerThatIsNotThereIsTold)
     EXPECT_TRUE(monitor.report().isEmpty());
 }
 
+TEST(EndToEnd, APortThatIsTakenIsTold)
+{
+    const Receiver receiver({"--input", band()});
+    Program second(QStringLiteral(SPECTREE_RECEIVER), {"--listen", receiver.endpoint()});
+    EXPECT_EQ(second.waitForEnd(20), 1);
+    EXPECT_TRUE(second.errors().contains(receiver.endpoint())) << second.errors().toStdString();
+    EXPECT_TRUE(second.errors().contains(QStringLiteral("--listen")));
+}
+
 TEST(EndToEnd, FewerScansThanAskedForAreWrittenAndTold)
 {
     const Receiver receiver({"--input", band(",rate=20,scans=10"), "--wait", "yes"});
@@ -161,6 +171,44 @@ TEST(EndToEnd, ASignalEndsTheRunEarlyWithItsFiles)
     monitor.signal(SIGTERM);
     EXPECT_EQ(monitor.waitForEnd(20), 0) << monitor.errors().toStdString();
     expectBand(monitor.report());
+}
+
+TEST(EndToEnd, OnlyListedKeysAreLetIn)
+{
+    const QTemporaryDir folder;
+    const auto at = [&folder](const char *name) { return folder.filePath(QLatin1String(name)); };
+    for (const char *name : {"server", "known", "unknown"})
+        for (const int code : {0, 1}) { // the second time it would replace a key
+            Program make(QStringLiteral(SPECTREE_MONITOR), {"--make-key", at(name)});
+            EXPECT_EQ(make.waitForEnd(20), code) << make.errors().toStdString();
+        }
+    EXPECT_EQ(QFile::permissions(at("server")) & (QFile::ReadGroup | QFile::ReadOther), 0);
+    const Receiver receiver(
+        {"--input", band(), "--server-key", at("server"), "--client-keys", at("known.pub")});
+    const struct {
+        const char *name;
+        QStringList keys;
+        int code;
+    } cases[] = {
+        {"known", {"--server-key", at("server.pub"), "--client-key", at("known")}, 0},
+        {"unknown", {"--server-key", at("server.pub"), "--client-key", at("unknown")}, 1},
+        {"of another server", {"--server-key", at("known.pub"), "--client-key", at("known")}, 1},
+        {"no key", {}, 1},
+        {"still served", {"--server-key", at("server.pub"), "--client-key", at("known")}, 0},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        QElapsedTimer clock;
+        clock.start();
+        Monitor monitor(receiver.endpoint(),
+                        QStringList{"--scans", "20", "--timeout", "3"} + c.keys);
+        ASSERT_EQ(monitor.waitForEnd(30), c.code) << monitor.errors().toStdString();
+        EXPECT_LT(clock.elapsed(), 10000);
+        EXPECT_EQ(monitor.errors().contains(QStringLiteral("keys are right")), c.code == 1)
+            << monitor.errors().toStdString();
+        EXPECT_EQ(monitor.report().isEmpty(), c.code == 1);
+    }
+    EXPECT_TRUE(receiver.isRunning());
 }
 
 TEST(EndToEnd, TheCommandLineIsExplained)

@@ -21,7 +21,7 @@ public:
     bool read(Scan &scan) override
     {
         if (m_next == failAt)
-            throw Failure(Failure::Runtime, QStringLiteral("the disk is gone"));
+            throw apps::Failure(apps::Failure::Runtime, QStringLiteral("the disk is gone"));
         if (m_next == m_stamps.size())
             return false;
         scan.time = m_stamps[m_next];

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "apps/receiver/failure.h"
+#include "apps/common/failure.h"
 #include "apps/receiver/input.h"
 
 #include <QByteArray>
@@ -44,7 +44,7 @@ Outcome outcomeOf(Work &&work)
 {
     try {
         work();
-    } catch (const receiver::Failure &failure) {
+    } catch (const apps::Failure &failure) {
         return {failure.code(), failure.what()};
     }
     return {};

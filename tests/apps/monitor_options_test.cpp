@@ -1,4 +1,4 @@
-#include "apps/monitor/failure.h"
+#include "apps/common/failure.h"
 #include "apps/monitor/options.h"
 
 #include <gtest/gtest.h>
@@ -6,6 +6,7 @@
 namespace {
 
 using namespace monitor;
+using apps::Failure;
 
 const QStringList kBase{
     "spectree-monitor", "--connect", "tcp://127.0.0.1:40123", "--seconds", "5", "--png", "a.png"};
@@ -81,13 +82,6 @@ TEST(MonitorOptions, NamesWhatIsWrong)
             EXPECT_TRUE(failure.sentence().contains(QLatin1String(c.named))) << failure.what();
         }
     }
-}
-
-TEST(MonitorOptions, HelpAndVersionNeedNothingElse)
-{
-    EXPECT_EQ(parseOptions({"m", "--help"}).action, Options::Action::showHelp);
-    EXPECT_EQ(parseOptions({"m", "--version"}).action, Options::Action::showVersion);
-    EXPECT_TRUE(helpText().contains(QStringLiteral("--window-guid")));
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "apps/common/keyfiles.h"
 #include "apps/receiver/options.h"
 #include "tests/apps/inputtools.h"
 
@@ -101,7 +102,8 @@ TEST(ReceiverOptions, BadOnesGiveASentenceAndCode2)
         {"--listen 127.0.0.1:5000", "not of the form tcp://"},
         {"--listen tcp://*:5000", "--allow-remote"},
         {"--listen tcp://192.168.1.5:5000", "--allow-remote"},
-        {"--listen tcp://127.0.0.1.example.org:5000", "--allow-remote"},
+        {"--listen tcp://127.0.0.1:99999", "a number up to 65535"},
+        {"--listen tcp://127.0.0.1:http", "a number up to 65535"},
         {"--server-key a", "go together"},
     };
     for (const BadLine &c : cases) {
@@ -116,7 +118,7 @@ TEST(ReceiverOptions, LoopbackAddressesNeedNoPermission)
 {
     for (const char *endpoint :
          {"tcp://127.0.0.1:*", "tcp://127.1.2.3:80", "tcp://localhost:5000", "tcp://[::1]:5000"})
-        EXPECT_TRUE(isLoopback(QString::fromLatin1(endpoint))) << endpoint;
+        EXPECT_NO_THROW(parse(QStringLiteral("--listen ") + endpoint)) << endpoint;
     EXPECT_EQ(parse(QStringLiteral("--listen tcp://*:5000 --server-key a --client-keys b"))
                   .clientKeysFile,
               QStringLiteral("b"));
@@ -124,9 +126,37 @@ TEST(ReceiverOptions, LoopbackAddressesNeedNoPermission)
 
 TEST(ReceiverOptions, HelpNamesEachKeyOfTheSimulation)
 {
-    EXPECT_EQ(parse(QStringLiteral("--help")).action, Options::Action::showHelp);
-    EXPECT_EQ(parse(QStringLiteral("--version")).action, Options::Action::showVersion);
-    const QString help = helpText();
+    EXPECT_EQ(parse(QStringLiteral("--version")).request.action, apps::Action::showVersion);
+    EXPECT_EQ(parse(QStringLiteral("--make-key a")).request.keyFile, QStringLiteral("a"));
+    const apps::Request request = parse(QStringLiteral("--help")).request;
+    EXPECT_EQ(request.action, apps::Action::showHelp);
     for (const char *word : {"--input", "--full-scale-dbuv", "hoppers", "Exit codes"})
-        EXPECT_TRUE(help.contains(QLatin1String(word))) << word;
+        EXPECT_TRUE(request.help.contains(QLatin1String(word))) << word;
+}
+
+TEST(KeyFiles, HoldKeysAndComments)
+{
+    const QByteArray key = "Ki@^ySR{JArR2pk&d6btKM0u:q[8>C0}bcENF#g]"; // with a "#" of its own
+    const struct {
+        QByteArray text;
+        int keys; ///< 0: refused
+        const char *sentence;
+    } cases[] = {
+        {"# Alice\n" + key + "\n\n #Bob:\n\t" + key + " # a comment\r\n", 2, ""},
+        {QByteArray(64, 'a') + " #comment", 1, ""},
+        {"# nothing\n", 0, "holds no key"},
+        {key.left(39), 0, "is no CURVE key"},
+        {key + key, 0, "is no CURVE key"},
+    };
+    const Files files;
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.text.toStdString());
+        const QString path = files.write("keys", c.text);
+        int keys = 0;
+        const Outcome outcome = outcomeOf([&] { keys = apps::readKeys(path).size(); });
+        EXPECT_EQ(keys, c.keys);
+        EXPECT_EQ(outcome.code, c.keys ? 0 : 1);
+        EXPECT_NE(outcome.sentence.find(c.sentence), std::string::npos) << outcome.sentence;
+    }
+    EXPECT_EQ(outcomeOf([&] { apps::readKey(files.path("absent")); }).code, 1);
 }

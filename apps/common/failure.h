@@ -5,14 +5,14 @@
 #include <exception>
 #include <string>
 
-namespace monitor {
+namespace apps {
 
-/// Ends the program with one sentence for its user: what happened, where, and what to do. main()
-/// prints it and returns the exit code.
+/// Ends a program with one sentence for its user: what happened, where, and what to do. Thrown by
+/// whatever finds that the program can't go on; runProgram() prints it and gives the exit code.
 class Failure : public std::exception {
 public:
     enum ExitCode {
-        Runtime = 1, ///< the world is not as needed: no server, a folder that can't be written
+        Runtime = 1, ///< the world is not as needed: a missing file, no server, a busy port
         Usage = 2,   ///< the command line is wrong
     };
 
@@ -31,4 +31,4 @@ private:
     std::string m_what;
 };
 
-} // namespace monitor
+} // namespace apps
