@@ -11,10 +11,10 @@ namespace {
 
 constexpr std::uint64_t kMaxCount = std::numeric_limits<unsigned int>::max();
 
-// One id is left out, so that the channels of all ranges together can be counted.
+// From id 0 on one is left out: a count of all ids has no number.
 unsigned int countThatFits(unsigned int firstChannelId, std::uint64_t count)
 {
-    return static_cast<unsigned int>(std::min(count, kMaxCount - firstChannelId));
+    return static_cast<unsigned int>(std::min({count, kMaxCount, kMaxCount - firstChannelId + 1}));
 }
 
 std::uint64_t countOfSpan(double start, double step, double stop)

@@ -9,7 +9,7 @@ namespace values {
 /// A run of channels with constant spacing. Channel ids are the producer's numbers.
 ///
 /// A plain value. Frequencies have whatever unit the caller uses throughout. A range without
-/// channels holds no id, and a count is cut so that all ids stay below 0xFFFFFFFF.
+/// channels holds no id, and a count is cut at the last id, 0xFFFFFFFF, and to that number.
 class SPECTREE_EXPORT ChannelRange {
 public:
     ChannelRange() = default;

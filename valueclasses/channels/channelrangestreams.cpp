@@ -128,10 +128,10 @@ void ChannelRangeDefinition::fromOldCharStream(const char **cursor)
         const int key = keyed ? Kelm::readLittleEndian<std::int32_t>(&position) : i;
         ranges.insert_or_assign(key, readOldRange(&position));
     }
-    *cursor = position + 1;
     ChannelRangeDefinition checked;
     checked.SetChannelRangeMap(ranges);
     *this = std::move(checked);
+    *cursor = position + 1;
 }
 
 } // namespace values

@@ -13,8 +13,9 @@ struct OwnUnit {
 
 OwnUnit &ownUnit()
 {
-    static OwnUnit own;
-    return own;
+    // Never destroyed: a thread that still runs at exit may come here.
+    static auto *const own = new OwnUnit;
+    return *own;
 }
 
 template <typename T>

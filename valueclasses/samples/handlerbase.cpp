@@ -13,8 +13,9 @@ struct SharedUnit {
 
 SharedUnit &sharedUnit()
 {
-    static SharedUnit shared;
-    return shared;
+    // Never destroyed: a thread that still runs at exit may come here.
+    static auto *const shared = new SharedUnit;
+    return *shared;
 }
 
 } // namespace
