@@ -2,6 +2,7 @@
 
 #include "platform/base/instancecounter.h"
 #include "platform/base/sync.h"
+#include "platform/base/tracelimit.h"
 #include "scanbuffer/averagetime.h"
 #include "scanbuffer/buffersizemanagementinterface.h"
 #include "scanbuffer/lines/channellinebuffer.h"
@@ -27,7 +28,8 @@ using values::SpectralDataPiece;
 ///
 /// Feeding: addTimeStamp(), addSpectralData() as often as needed, endOfScan(). A first
 /// setChannelRangeDefinition() with channels makes the ring; before it stamps are only remembered,
-/// and no signal goes out.
+/// and no signal goes out. A scan that is never ended goes on in a new line, with the newest time
+/// stamp, when the history of its line is full (ChannelLine::isHistoryFull()).
 /// Reading: accept(). The operations of ScanBufferAccess are for visit() only.
 ///
 /// Threads: one thread feeds, at one lock a call; any thread reads, and any sets sizes and flags.
@@ -58,7 +60,7 @@ public:
     /// clears the ring.
     void addTimeStamp(KRTimeStamp time) SPECTREE_EXCLUDES(m_lock);
     /// Copies the pieces into the current line under one lock. What would pass the end of the line
-    /// is left out and traced. Silent when nothing was written.
+    /// is left out and traced, at most once a second. Silent when nothing was written.
     void addSpectralData(std::span<const Piece> pieces) SPECTREE_EXCLUDES(m_lock);
     void addSpectralData(const Piece &piece) { addSpectralData(std::span(&piece, 1)); }
     /// Finishes the current line; its last time stamp is \a time.
@@ -66,7 +68,10 @@ public:
     void endOfScan() { finishScan(std::nullopt); }
     /// The channels of all later lines. With the number of channels as before, older lines stay
     /// readable, each with its own definition; otherwise the ring is rebuilt. A definition without
-    /// channels is ignored. When memory runs out, std::bad_alloc passes and there is no ring.
+    /// channels is ignored.
+    /// \throws KRException when three lines of that many channels take more than the maximum size
+    /// in bytes, taken as 200 MB at least and 4 GB at most; std::bad_alloc. The old definition and
+    /// the old ring stand then.
     void setChannelRangeDefinition(const values::ChannelRangeDefinition &definition)
         SPECTREE_EXCLUDES(m_lock);
     /// Empties the ring WITHOUT taking the lock: only while nobody reads or feeds.
@@ -77,6 +82,7 @@ public:
     std::uint32_t getMinimumNumberOfLines() const override { return kMinimumLines; }
     std::uint32_t getMaximumNumberOfLines() const override { return kMaximumLines; }
     std::uint64_t getSizeInBytes() const override SPECTREE_EXCLUDES(m_lock);
+    /// The ring shrinks to fit, down to its three lines; 0 leaves it just those.
     void setMaximumSizeInBytes(std::uint64_t bytes) override SPECTREE_EXCLUDES(m_lock);
     /// Without memory for more lines the ring stays as it is.
     std::uint32_t setNumberOfLines(unsigned int lines) override SPECTREE_EXCLUDES(m_lock);
@@ -111,16 +117,30 @@ public:
     bool getAvoidSettingMaxValueDuringScan() const override { return m_avoidMaximum; }
 
 private:
+    using Lines = ChannelLineBuffer<Y, YHandler>;
+    using Ring = typename Lines::Ring;
     static constexpr std::uint32_t kMinimumLines = 3, kMaximumLines = 500'000;
+    static constexpr std::uint64_t kDefaultMaximumBytes = 200'000'000;
+    static constexpr std::uint64_t kMostBytesOfThreeLines = 4'000'000'000;
+
+    struct Written {
+        std::uint64_t stored = 0, clipped = 0; // samples
+    };
 
     ScanBuffer();
 
     void finishScan(std::optional<KRTimeStamp> time) SPECTREE_EXCLUDES(m_lock);
-    bool writePieces(std::span<const Piece> pieces) SPECTREE_REQUIRES(m_lock);
+    Written writePieces(std::span<const Piece> pieces) SPECTREE_REQUIRES(m_lock);
+    void finishLine() SPECTREE_REQUIRES(m_lock);
+    void continueInNewLine() SPECTREE_REQUIRES(m_lock);
     bool applyDefinition(const values::ChannelRangeDefinition &definition)
         SPECTREE_EXCLUDES(m_lock);
-    void initBuffer(std::uint64_t lines) SPECTREE_REQUIRES(m_lock);
-    std::uint32_t resize(std::uint64_t lines) SPECTREE_REQUIRES(m_lock);
+    bool continueWith(const values::ChannelRangeDefinition &definition) SPECTREE_EXCLUDES(m_lock);
+    Ring initBuffer(unsigned int channels) const SPECTREE_EXCLUDES(m_lock);
+    Ring prepareRing(std::uint64_t lines) const SPECTREE_EXCLUDES(m_lock);
+    std::uint32_t resize(std::uint64_t lines, Ring &prepared) SPECTREE_REQUIRES(m_lock);
+    std::uint64_t linesWithin(std::uint64_t lines, std::uint64_t lineBytes) const
+        SPECTREE_REQUIRES_SHARED(m_lock);
     void clearRing() SPECTREE_REQUIRES(m_lock);
     void noteRefill() SPECTREE_REQUIRES(m_lock);
     void refillCurrentLine() const SPECTREE_REQUIRES_SHARED(m_lock);
@@ -129,11 +149,12 @@ private:
 
     mutable Kelm::ReadWriteLock m_lock{Kelm::ReadWriteLock::Kind::recursive};
     KRTimeStamp m_lastTimeStamp SPECTREE_GUARDED_BY(m_lock) = 0;
-    ChannelLineBuffer<Y, YHandler> m_lines SPECTREE_GUARDED_BY(m_lock);
+    Lines m_lines SPECTREE_GUARDED_BY(m_lock);
     ChannelRangeQueue m_definitions SPECTREE_GUARDED_BY(m_lock);
     AverageTime m_scanRate SPECTREE_GUARDED_BY(m_lock);
     std::uint32_t m_numberOfLines SPECTREE_GUARDED_BY(m_lock) = 5; // wanted
-    std::uint64_t m_maximumSizeInBytes SPECTREE_GUARDED_BY(m_lock) = 200'000'000;
+    std::uint64_t m_maximumSizeInBytes SPECTREE_GUARDED_BY(m_lock) = kDefaultMaximumBytes;
+    Kelm::TraceLimit m_clippedTrace;
 
     // Whether the current line still has to be refilled for a reader. Set under the write lock;
     // cleared by the first reader, who holds the mutex while it fills.

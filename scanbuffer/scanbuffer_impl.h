@@ -103,7 +103,8 @@ std::uint64_t ScanBuffer<Y, YHandler>::getIdForTimeStamp(KRTimeStamp time) const
 {
     const auto [first, end] = m_lines.getIdRange();
     for (std::uint64_t id = end; id > first; --id)
-        if (m_lines.line(id - 1).getFirstTimeStamp() <= time)
+        if (const KRTimeStamp began = m_lines.line(id - 1).getFirstTimeStamp();
+            began != 0 && began <= time)
             return id - 1;
     return 0;
 }
@@ -136,37 +137,55 @@ void ScanBuffer<Y, YHandler>::addTimeStamp(KRTimeStamp time)
 template <typename Y, typename YHandler>
 void ScanBuffer<Y, YHandler>::addSpectralData(std::span<const Piece> pieces)
 {
-    bool written = false;
+    Written written;
     {
         const Kelm::WriteLocker lock(m_lock);
         written = writePieces(pieces);
     }
+    if (written.clipped != 0)
+        if (const auto times = m_clippedTrace.due())
+            SPECTREE_TRACE(TraceWarnings,
+                           QStringLiteral("ScanBuffer: %1 samples lie past the end of the line "
+                                          "(%2 times since this was told last)")
+                               .arg(written.clipped)
+                               .arg(times));
     const Kelm::QtGate gate;
-    if (written)
+    if (written.stored != 0)
         Q_EMIT signalSpectralDataAdded();
 }
 
 template <typename Y, typename YHandler>
-bool ScanBuffer<Y, YHandler>::writePieces(std::span<const Piece> pieces)
+auto ScanBuffer<Y, YHandler>::writePieces(std::span<const Piece> pieces) -> Written
 {
+    Written written;
     if (!m_lines.hasLines())
-        return false;
-    bool written = false;
+        return written;
     for (const Piece &piece : pieces) {
+        if (m_lines.currentLine().isHistoryFull())
+            continueInNewLine();
         const std::uint32_t stored =
             m_lines.currentLine().setSamples(piece.firstIndex, piece.count, piece.samples);
-        written |= stored != 0;
-        if (stored != piece.count)
-            SPECTREE_TRACE(TraceWarnings,
-                           QStringLiteral("ScanBuffer: of %1 samples from channel index %2 on, %3 "
-                                          "lie past the %4 channels of the line")
-                               .arg(piece.count)
-                               .arg(piece.firstIndex)
-                               .arg(piece.count - stored)
-                               .arg(m_lines.channelCount()));
+        written.stored += stored;
+        written.clipped += piece.count - stored;
     }
     noteRefill();
     return written;
+}
+
+template <typename Y, typename YHandler>
+void ScanBuffer<Y, YHandler>::finishLine()
+{
+    m_lines.finishCurrentLine();
+    m_definitions.dropBelow(m_lines.getFirstChannelLineId());
+}
+
+template <typename Y, typename YHandler>
+void ScanBuffer<Y, YHandler>::continueInNewLine()
+{
+    const bool timed = m_lines.currentLine().getFirstTimeStamp() != 0;
+    finishLine();
+    if (timed)
+        m_lines.currentLine().setFirstTimeStamp(m_lastTimeStamp);
 }
 
 template <typename Y, typename YHandler>
@@ -180,11 +199,11 @@ void ScanBuffer<Y, YHandler>::finishScan(std::optional<KRTimeStamp> time)
         Line &line = m_lines.currentLine();
         if (time)
             line.setLastTimeStamp(*time);
-        m_scanRate.addTimeStamp(line.getFirstTimeStamp());
-        m_lines.finishCurrentLine();
+        if (const KRTimeStamp began = line.getFirstTimeStamp(); began != 0)
+            m_scanRate.addTimeStamp(began);
+        finishLine();
         noteRefill();
         scansPerSecond = m_scanRate.averageEventsPerSecond();
-        m_definitions.dropBelow(m_lines.getIdRange().first);
     }
     const Kelm::QtGate gate;
     Q_EMIT signalEndOfScan();
@@ -232,33 +251,60 @@ bool ScanBuffer<Y, YHandler>::applyDefinition(const values::ChannelRangeDefiniti
     const unsigned int channels = definition.GetChannelCount();
     if (channels == 0)
         return false;
-    const Kelm::WriteLocker lock(m_lock);
-    if (channels == m_lines.channelCount()) {
-        if (!m_lines.currentLine().isEmpty())
-            m_lines.finishCurrentLine();
-        noteRefill();
-        m_definitions.push(m_lines.getCurrentChannelLineId(), definition);
+    if (continueWith(definition))
         return true;
-    }
-    std::uint64_t lines = m_numberOfLines;
-    // As many bytes as before: what the readers needed in time they need again.
-    if (const std::uint64_t bytes = sizeInBytes(); m_sizeManager->isActive() && bytes != 0)
-        lines = bytes / (values::imageSize<Y> * channels);
-    m_definitions.restart(m_lines.getCurrentChannelLineId(), definition);
-    initBuffer(lines);
+    Ring ring = initBuffer(channels); // holds the old ring later, which goes after the lock
+    Ring none;
+    const Kelm::WriteLocker lock(m_lock);
+    m_definitions.restart(m_lines.idAfterReplacing(), definition);
+    m_lines.replaceRing(ring);
+    noteRefill();
+    // The limit may have changed meanwhile.
+    const std::uint64_t affordable = m_maximumSizeInBytes / bytesPerLine();
+    if (m_lines.scanCount() > std::max(affordable, std::uint64_t(kMinimumLines)))
+        resize(affordable, none);
     return true;
 }
 
+/// As many channels as before: the ring stays, and only later lines have the definition.
 template <typename Y, typename YHandler>
-void ScanBuffer<Y, YHandler>::initBuffer(std::uint64_t lines)
+bool ScanBuffer<Y, YHandler>::continueWith(const values::ChannelRangeDefinition &definition)
+{
+    const Kelm::WriteLocker lock(m_lock);
+    if (definition.GetChannelCount() != m_lines.channelCount())
+        return false;
+    if (!m_lines.currentLine().isEmpty())
+        finishLine();
+    noteRefill();
+    m_definitions.push(m_lines.getCurrentChannelLineId(), definition);
+    m_definitions.dropBelow(m_lines.getFirstChannelLineId());
+    return true;
+}
+
+/// A ring that is not yet in its place: to fill it takes long, and nobody is to wait for that.
+template <typename Y, typename YHandler>
+auto ScanBuffer<Y, YHandler>::initBuffer(unsigned int channels) const -> Ring
 {
     SPECTREE_TRACE(TraceLifecycle, QStringLiteral("ScanBuffer<Y, YHandler>::initBuffer"));
-    // The byte limit too: many lines of few channels must not become as many of a million.
-    const std::uint64_t affordable = m_maximumSizeInBytes / bytesPerLine();
-    lines = std::min({lines, affordable, std::uint64_t(kMaximumLines)});
-    m_lines.recreate(std::max(lines, std::uint64_t(kMinimumLines)),
-                     m_definitions.current().GetChannelCount());
-    noteRefill();
+    const std::uint64_t lineBytes = std::uint64_t(channels) * values::imageSize<Y>;
+    std::uint64_t lines = 0, most = 0;
+    {
+        const Kelm::ReadLocker lock(m_lock);
+        lines = m_numberOfLines;
+        // As many bytes as before: what the readers needed in time they need again.
+        if (const std::uint64_t bytes = sizeInBytes(); m_sizeManager->isActive() && bytes != 0)
+            lines = bytes / lineBytes;
+        // The byte limit too: many lines of few channels must not become as many of a million.
+        lines = std::max(linesWithin(lines, lineBytes), std::uint64_t(kMinimumLines));
+        most = std::clamp(m_maximumSizeInBytes, kDefaultMaximumBytes, kMostBytesOfThreeLines);
+    }
+    if (kMinimumLines * lineBytes > most)
+        throw KRException(QStringLiteral("A scan of %1 channels is too long for the scan buffer, "
+                                         "which holds scans of up to %2")
+                              .arg(channels)
+                              .arg(most / (kMinimumLines * values::imageSize<Y>)),
+                          __FILE__, "ScanBuffer", "setChannelRangeDefinition", __LINE__);
+    return Lines::makeRing(lines, lines, channels);
 }
 
 template <typename Y, typename YHandler>
@@ -283,34 +329,63 @@ std::uint64_t ScanBuffer<Y, YHandler>::getSizeInBytes() const
 template <typename Y, typename YHandler>
 void ScanBuffer<Y, YHandler>::setMaximumSizeInBytes(std::uint64_t bytes)
 {
-    if (bytes == 0)
-        return;
+    Ring none;
     const Kelm::WriteLocker lock(m_lock);
     m_maximumSizeInBytes = bytes;
     if (sizeInBytes() > bytes)
-        resize(bytes / bytesPerLine());
+        resize(bytes / bytesPerLine(), none);
 }
 
 template <typename Y, typename YHandler>
 std::uint32_t ScanBuffer<Y, YHandler>::setNumberOfLines(unsigned int lines)
 {
+    Ring ring = prepareRing(lines); // holds what is left over later, which goes after the lock
     const Kelm::WriteLocker lock(m_lock);
-    return resize(lines);
+    return resize(lines, ring);
+}
+
+/// The lines that the ring is short of. Without memory none: resize() finds out, and tells.
+template <typename Y, typename YHandler>
+auto ScanBuffer<Y, YHandler>::prepareRing(std::uint64_t lines) const -> Ring
+{
+    unsigned int channels = 0;
+    std::uint64_t present = 0;
+    {
+        const Kelm::ReadLocker lock(m_lock);
+        channels = m_lines.channelCount();
+        if (channels == 0)
+            return Ring();
+        present = m_lines.scanCount();
+        lines = std::max(linesWithin(std::max(lines, std::uint64_t(kMinimumLines)), bytesPerLine()),
+                         std::uint64_t(kMinimumLines));
+    }
+    try {
+        return Lines::makeRing(lines, lines - std::min(lines, present), channels);
+    } catch (const std::bad_alloc &) {
+        return Ring();
+    }
 }
 
 template <typename Y, typename YHandler>
-std::uint32_t ScanBuffer<Y, YHandler>::resize(std::uint64_t lines)
+std::uint64_t ScanBuffer<Y, YHandler>::linesWithin(std::uint64_t lines,
+                                                   std::uint64_t lineBytes) const
+{
+    return std::min({lines, m_maximumSizeInBytes / lineBytes, std::uint64_t(kMaximumLines)});
+}
+
+/// \a prepared as prepareRing() made it; any other is made anew under the lock.
+template <typename Y, typename YHandler>
+std::uint32_t ScanBuffer<Y, YHandler>::resize(std::uint64_t lines, Ring &prepared)
 {
     const std::uint64_t lineBytes = bytesPerLine();
     if (lineBytes == 0)
         return 0;
-    lines = std::clamp(lines, std::uint64_t(kMinimumLines), std::uint64_t(kMaximumLines));
-    // May come below the minimum; the ring's own floor is the last guard.
-    lines = std::min(lines, m_maximumSizeInBytes / lineBytes);
+    // May come below the minimum again; the ring's own floor is the last guard.
+    lines = linesWithin(std::max(lines, std::uint64_t(kMinimumLines)), lineBytes);
     m_numberOfLines = static_cast<std::uint32_t>(lines);
     try {
         if (lines != m_lines.scanCount())
-            m_lines.setNumberOfLines(lines);
+            m_lines.setNumberOfLines(lines, prepared);
     } catch (const std::bad_alloc &) {
         SPECTREE_TRACE(TraceWarnings,
                        QStringLiteral("ScanBuffer: no memory for %1 lines").arg(lines));

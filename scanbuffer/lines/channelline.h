@@ -49,6 +49,9 @@ public:
 
     /// The stretches written since the last reset, in the order of writing.
     const std::vector<Segment> &getHistory() const { return m_history; }
+    /// True when the history is as long as it may get: one stretch for each channel and 1024 more.
+    /// A scan that is written again and again and never ended must not take up all memory.
+    bool isHistoryFull() const { return m_history.size() >= m_spectralData.size() + 1024; }
     /// One sample a channel. Fills first what is still to be refilled.
     const std::vector<Y> &spectralData() const;
 

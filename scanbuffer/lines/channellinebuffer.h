@@ -17,15 +17,25 @@ template <typename Y, typename YHandler>
 class SPECTREE_EXPORT ChannelLineBuffer {
 public:
     using Line = ChannelLine<Y, YHandler>;
+    using Ring = boost::circular_buffer<Line>;
     static constexpr std::uint64_t kMinimumLines = 3;
 
-    /// Drops the ring and makes one of \a lines fresh lines, at least kMinimumLines. The old ring's
-    /// memory goes back first. When memory runs out the ring is empty and std::bad_alloc passes.
+    /// A ring with room for \a lines, \a filled of them there, fresh and of \a channels samples.
+    /// \throws std::bad_alloc
+    static Ring makeRing(std::uint64_t lines, std::uint64_t filled, unsigned int channels);
+    /// Makes a ring of \a lines fresh lines, at least kMinimumLines, in place of the old one. When
+    /// memory runs out the old one stays and std::bad_alloc passes.
     void recreate(std::uint64_t lines, unsigned int channels);
+    /// The same with a full ring that is there already; \a ring then holds the old one.
+    void replaceRing(Ring &ring) noexcept;
     /// Grows or shrinks the ring, at least to kMinimumLines: on shrinking the oldest lines go. When
     /// memory runs out the ring stays as it was and std::bad_alloc passes. Without a ring nothing
     /// happens.
     void setNumberOfLines(std::uint64_t lines);
+    /// The same without allocating, when \a prepared has that capacity and holds just the missing
+    /// lines; with any other it makes them. What is left over is in \a prepared then, to be
+    /// dropped.
+    void setNumberOfLines(std::uint64_t lines, Ring &prepared);
     /// Empties every line; the next one has an id above all that were seen.
     void clear();
     /// Ends the current line and makes the oldest one the current line. Moves no samples.
@@ -44,6 +54,10 @@ public:
     /// line is readable as soon as it has a valid time.
     std::pair<std::uint64_t, std::uint64_t> getIdRange() const;
     std::uint64_t getCurrentChannelLineId() const { return m_currentId; }
+    /// The oldest line held, readable or not.
+    std::uint64_t getFirstChannelLineId() const { return m_firstId; }
+    /// The current id after replaceRing().
+    std::uint64_t idAfterReplacing() const;
     /// 0 when no line was finished since the last clear() or recreate().
     std::uint64_t getLastFinishedChannelLineId() const { return m_lastFinishedId; }
     /// Channels of a line; 0 without a ring.
@@ -53,9 +67,8 @@ public:
 
 private:
     void startOver();
-    void grow(std::uint64_t lines);
 
-    boost::circular_buffer<Line> m_lines;
+    Ring m_lines;
     std::uint64_t m_currentId = 0, m_lastFinishedId = 0, m_firstId = 0;
 };
 

@@ -7,47 +7,65 @@
 namespace sbs {
 
 template <typename Y, typename YHandler>
+auto ChannelLineBuffer<Y, YHandler>::makeRing(std::uint64_t lines, std::uint64_t filled,
+                                              unsigned int channels) -> Ring
+{
+    Ring ring(lines);
+    while (ring.size() < filled)
+        ring.push_back(Line(channels));
+    return ring;
+}
+
+template <typename Y, typename YHandler>
 void ChannelLineBuffer<Y, YHandler>::recreate(std::uint64_t lines, unsigned int channels)
 {
     lines = std::max(lines, kMinimumLines);
+    Ring ring = makeRing(lines, lines, channels);
+    replaceRing(ring);
+}
+
+template <typename Y, typename YHandler>
+std::uint64_t ChannelLineBuffer<Y, YHandler>::idAfterReplacing() const
+{
     if (hasLines() && !currentLine().isEmpty())
-        ++m_currentId;
-    else if (m_currentId == 0)
-        m_currentId = 1;
+        return m_currentId + 1;
+    return std::max<std::uint64_t>(m_currentId, 1);
+}
+
+template <typename Y, typename YHandler>
+void ChannelLineBuffer<Y, YHandler>::replaceRing(Ring &ring) noexcept
+{
+    m_currentId = idAfterReplacing();
     startOver();
-    boost::circular_buffer<Line>().swap(m_lines);
-    boost::circular_buffer<Line> fresh(lines);
-    while (!fresh.full())
-        fresh.push_back(Line(channels));
-    m_lines.swap(fresh);
+    m_lines.swap(ring);
 }
 
 template <typename Y, typename YHandler>
 void ChannelLineBuffer<Y, YHandler>::setNumberOfLines(std::uint64_t lines)
 {
+    Ring none;
+    setNumberOfLines(lines, none);
+}
+
+template <typename Y, typename YHandler>
+void ChannelLineBuffer<Y, YHandler>::setNumberOfLines(std::uint64_t lines, Ring &prepared)
+{
     if (!hasLines())
         return;
     lines = std::max(lines, kMinimumLines);
+    if (lines == scanCount())
+        return;
     const std::uint64_t inUse = m_currentId - m_firstId + 1;
-    if (lines > m_lines.capacity())
-        grow(lines);
-    else
-        m_lines.rset_capacity(lines);
+    const std::uint64_t kept = std::min<std::uint64_t>(lines, m_lines.size());
+    const bool fits = prepared.capacity() == lines && prepared.size() == lines - kept &&
+                      (prepared.empty() || prepared.front().size() == channelCount());
+    if (!fits)
+        prepared = makeRing(lines, lines - kept, channelCount());
+    for (auto line = m_lines.end() - std::ptrdiff_t(kept); line != m_lines.end(); ++line)
+        prepared.push_back(std::move(*line));
+    m_lines.swap(prepared);
     if (lines < inUse)
         m_firstId = m_currentId - lines + 1;
-}
-
-/// The new lines are made before the ring is touched, so that it stays whole without memory.
-template <typename Y, typename YHandler>
-void ChannelLineBuffer<Y, YHandler>::grow(std::uint64_t lines)
-{
-    std::vector<Line> fresh;
-    fresh.reserve(lines - m_lines.size());
-    while (fresh.size() < lines - m_lines.size())
-        fresh.emplace_back(channelCount());
-    m_lines.set_capacity(lines);
-    for (Line &line : fresh)
-        m_lines.push_front(std::move(line));
 }
 
 template <typename Y, typename YHandler>

@@ -5,13 +5,11 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QThread>
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <thread>
 
 namespace {
-
-using testing::ElementsAre;
 
 /// A ring that gives what it is asked for, within its limits.
 struct FakeBuffer final : sbs::BufferSizeManagementInterface {
@@ -30,6 +28,14 @@ struct FakeBuffer final : sbs::BufferSizeManagementInterface {
     std::vector<unsigned int> asked;
 };
 
+/// A reader that counts how often it was asked to slow down.
+struct Client : sbs::ScanBufferSizeManagerClient {
+    using ScanBufferSizeManagerClient::ScanBufferSizeManagerClient;
+    void registerAdapter(std::weak_ptr<sbs::Adapter>) override {}
+    void reduceReadingSpeed() override { ++reductions; }
+    std::atomic<int> reductions{0};
+};
+
 class SizeManager : public testing::Test {
 public:
     SizeManager()
@@ -44,18 +50,26 @@ public:
         manager->endOfScanReceived();
         manager->slotTimerEvent();
     }
-    /// A tick in which \a reader advances by \a step lines.
-    void tickWithStep(const QUuid &reader, std::uint64_t step)
+    /// What a tick in which scans ended asks of a ring of \a lines after \a work; 0 when it leaves
+    /// it alone.
+    unsigned int askedAfter(const std::function<void()> &work, std::uint32_t lines = 20)
     {
-        manager->slotLastAccessedID(reader, position[reader] += step);
-        tick();
-    }
-    /// What a tick asks the buffer for; 0 when it leaves it alone.
-    unsigned int askedBy(const std::function<void()> &work)
-    {
+        buffer.lines = lines;
         buffer.asked.clear();
         work();
+        tick();
         return buffer.asked.empty() ? 0 : buffer.asked.back();
+    }
+    /// The same after \a reader has advanced by each of \a steps.
+    unsigned int askedAfterSteps(const QUuid &reader, std::initializer_list<std::uint64_t> steps,
+                                 std::uint32_t lines = 20)
+    {
+        return askedAfter(
+            [&] {
+                for (const std::uint64_t step : steps)
+                    manager->slotLastAccessedID(reader, position[reader] += step);
+            },
+            lines);
     }
 
     FakeBuffer buffer;
@@ -87,27 +101,18 @@ TEST_F(SizeManager, AsksForWhatTheReadersNeed)
     for (const Case &c : cases) {
         SCOPED_TRACE(c.name);
         const QUuid reader = QUuid::createUuid();
-        buffer.lines = c.lines;
-        manager->slotLastAccessedID(reader, 0);
-        // Meets the reader; what this asks of the ring is undone.
-        tick();
-        buffer.lines = c.lines;
-        EXPECT_EQ(askedBy([&] {
-                      manager->slotLastAccessedID(reader, c.step);
-                      tick();
-                  }),
-                  c.asked);
+        askedAfterSteps(reader, {0}); // meets the reader
+        EXPECT_EQ(askedAfterSteps(reader, {c.step}, c.lines), c.asked);
         manager->slotRemoveAdapter(reader);
     }
 }
 
 TEST_F(SizeManager, GrownRingKeepsItsMargin)
 {
-    tickWithStep(a, 0);
-    buffer.lines = 20;
-    EXPECT_EQ(askedBy([&] { tickWithStep(a, 89); }), 100u);
-    EXPECT_EQ(askedBy([&] { tickWithStep(a, 88); }), 0u) << "89 lines and the margin of 11";
-    EXPECT_EQ(askedBy([&] { tickWithStep(a, 87); }), 97u);
+    askedAfterSteps(a, {0});
+    EXPECT_EQ(askedAfterSteps(a, {89}), 100u);
+    EXPECT_EQ(askedAfterSteps(a, {88}, 100), 0u) << "89 lines and the margin of 11";
+    EXPECT_EQ(askedAfterSteps(a, {87}, 100), 97u);
 }
 
 TEST_F(SizeManager, WithoutReadersTheRingShrinksToItsMinimum)
@@ -126,10 +131,9 @@ TEST_F(SizeManager, WithoutReadersTheRingShrinksToItsMinimum)
 TEST_F(SizeManager, TicksWithoutScansChangeNothing)
 {
     manager->slotTimerEvent();
-    EXPECT_EQ(askedBy([&] { manager->slotTimerEvent(); }), 0u);
-    tickWithStep(a, 0);
-    buffer.lines = 20;
-    tickWithStep(a, 89);
+    EXPECT_TRUE(buffer.asked.empty());
+    askedAfterSteps(a, {0});
+    askedAfterSteps(a, {89});
     for (int i = 0; i < 10; ++i)
         manager->slotTimerEvent();
     EXPECT_EQ(buffer.lines, 100u) << "the reader's step has not aged";
@@ -137,71 +141,38 @@ TEST_F(SizeManager, TicksWithoutScansChangeNothing)
 
 TEST_F(SizeManager, CountsOnlyReadersThatAreThereAndActive)
 {
-    buffer.lines = 20;
-    EXPECT_EQ(askedBy([&] {
-                  manager->slotLastAccessedID(a, 0);
-                  manager->slotLastAccessedID(a, 89);
-                  tick();
-              }),
-              18u)
-        << "the first tick of a reader counts for nothing";
-    position[a] = 89;
-    buffer.lines = 20;
-    EXPECT_EQ(askedBy([&] {
-                  manager->slotLastAccessedID(a, position[a] += 40);
-                  manager->slotLastAccessedID(a, position[a] += 49);
-                  manager->slotLastAccessedID(a, position[a] += 10);
-                  tick();
-              }),
-              54u + 1)
-        << "the largest step within the tick: 50 lines and a ninth";
-    buffer.lines = 20;
-    EXPECT_EQ(askedBy([&] { tick(); }), 55u) << "a tick ago is recent enough";
-    buffer.lines = 20;
-    EXPECT_EQ(askedBy([&] { tick(); }), 18u) << "two ticks ago is not";
+    constexpr unsigned int kNobodyCounts = 18;
+    const auto nothing = [] {};
+    EXPECT_EQ(askedAfterSteps(a, {0, 89}), kNobodyCounts) << "the first tick of a reader";
+    EXPECT_EQ(askedAfterSteps(a, {40, 49, 10}), 55u) << "the largest step: 50 lines and a ninth";
+    EXPECT_EQ(askedAfter(nothing), 55u) << "a tick ago is recent enough";
+    EXPECT_EQ(askedAfter(nothing), kNobodyCounts) << "two ticks ago is not";
 
-    tickWithStep(b, 0);
-    buffer.lines = 20;
-    EXPECT_EQ(askedBy([&] {
-                  manager->slotResetHistory(a); // of no consequence: b is the slowest
-                  manager->slotLastAccessedID(a, position[a] += 70);
-                  tickWithStep(b, 29);
-              }),
-              33u);
-    buffer.lines = 20;
-    EXPECT_EQ(askedBy([&] {
-                  manager->resetFirstAccess();
-                  tickWithStep(b, 89);
-              }),
-              18u);
+    askedAfterSteps(b, {0});
+    manager->slotResetHistory(a); // of no consequence: b is the slowest
+    manager->slotLastAccessedID(a, position[a] += 70);
+    EXPECT_EQ(askedAfterSteps(b, {29}), 33u);
+    manager->resetFirstAccess();
+    EXPECT_EQ(askedAfterSteps(b, {89}), kNobodyCounts);
     manager->slotResetHistory(QUuid::createUuid());
     manager->slotRemoveAdapter(QUuid::createUuid());
-    tickWithStep(b, 89);
+    askedAfterSteps(b, {89});
     manager->slotRemoveAdapter(b);
     manager->slotRemoveAdapter(a);
-    buffer.lines = 20;
-    EXPECT_EQ(askedBy([&] { tick(); }), 18u);
-}
+    EXPECT_EQ(askedAfter(nothing), kNobodyCounts) << "they have gone";
 
-TEST_F(SizeManager, AReaderThatFallsBackHasNotAdvanced)
-{
-    tickWithStep(a, 1000);
-    tickWithStep(a, 5);
-    buffer.lines = 20;
-    EXPECT_EQ(askedBy([&] {
-                  manager->slotLastAccessedID(a, 3);
-                  tick();
-              }),
-              18u);
+    askedAfterSteps(a, {1000});
+    askedAfterSteps(a, {5});
+    EXPECT_EQ(askedAfter([this] { manager->slotLastAccessedID(a, 3); }), kNobodyCounts)
+        << "who falls back has not advanced";
+    {
+        Client client(manager);
+        client.signal_LastAccessedID(0, false);
+        tick();
+        client.signal_LastAccessedID(89, false);
+    }
+    EXPECT_EQ(askedAfter(nothing), kNobodyCounts) << "a client that is gone";
 }
-
-/// A reader that counts how often it was asked to slow down.
-struct Client : sbs::ScanBufferSizeManagerClient {
-    using ScanBufferSizeManagerClient::ScanBufferSizeManagerClient;
-    void registerAdapter(std::weak_ptr<sbs::Adapter>) override {}
-    void reduceReadingSpeed() override { ++reductions; }
-    std::atomic<int> reductions{0};
-};
 
 TEST_F(SizeManager, TellsEveryClientWhenTheLimitIsReached)
 {
@@ -220,18 +191,6 @@ TEST_F(SizeManager, TellsEveryClientWhenTheLimitIsReached)
     first.signal_LastAccessedID(178, true);
     tick();
     EXPECT_EQ(limitReached, 1) << "reset: this tick does not count";
-}
-
-TEST_F(SizeManager, AClientThatIsGoneNoLongerCounts)
-{
-    {
-        Client client(manager);
-        client.signal_LastAccessedID(0, false);
-        tick();
-        client.signal_LastAccessedID(89, false);
-    }
-    buffer.lines = 20;
-    EXPECT_EQ(askedBy([&] { tick(); }), 18u);
 }
 
 TEST(SizeManagerThreads, ClientsAndBuffersComeAndGoOnTheirOwnThreads)
