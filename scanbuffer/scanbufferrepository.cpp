@@ -6,8 +6,9 @@ namespace sbs {
 
 ScanBufferRepository &ScanBufferRepository::instance()
 {
-    static ScanBufferRepository repository;
-    return repository;
+    // Never destroyed: a thread that still runs at exit may come here.
+    static auto *const repository = new ScanBufferRepository;
+    return *repository;
 }
 
 void ScanBufferRepository::addSource(const QString &guid, DataSourceQObject *source)

@@ -5,8 +5,9 @@
 
 const QLoggingCategory &spectreeLog()
 {
-    static const QLoggingCategory category("spectree.trace", QtInfoMsg);
-    return category;
+    // Never destroyed: a thread that still runs at exit may come here.
+    static const auto *const category = new QLoggingCategory("spectree.trace", QtInfoMsg);
+    return *category;
 }
 
 ErrorHandler &ErrorHandler::Instance()

@@ -54,8 +54,9 @@ public:
 
 const IKelmOS &KelmOS::Get()
 {
-    static const Platform platform;
-    return platform;
+    // Never destroyed: a thread that still runs at exit may come here.
+    static const auto *const platform = new Platform;
+    return *platform;
 }
 
 bool Kelm::isAcceptableThread()

@@ -15,19 +15,28 @@ extern "C" void __tsan_release(void *address);
 
 namespace Kelm {
 
-void syncRelease([[maybe_unused]] const void *address)
+namespace {
+
+// The locks call these directly: an exported function can't be inlined, and each scan takes three
+// locks.
+inline void release([[maybe_unused]] const void *address)
 {
 #if defined(SPECTREE_UNDER_TSAN)
     __tsan_release(const_cast<void *>(address));
 #endif
 }
 
-void syncAcquire([[maybe_unused]] const void *address)
+inline void acquire([[maybe_unused]] const void *address)
 {
 #if defined(SPECTREE_UNDER_TSAN)
     __tsan_acquire(const_cast<void *>(address));
 #endif
 }
+
+} // namespace
+
+void syncRelease(const void *address) { release(address); }
+void syncAcquire(const void *address) { acquire(address); }
 
 #if defined(SPECTREE_UNDER_TSAN)
 namespace {
@@ -48,32 +57,32 @@ ReadWriteLock::ReadWriteLock(Kind kind)
 void ReadWriteLock::lockForRead()
 {
     m_lock.lockForRead();
-    syncAcquire(this);
+    acquire(this);
 }
 
 void ReadWriteLock::lockForWrite()
 {
     m_lock.lockForWrite();
-    syncAcquire(this);
+    acquire(this);
 }
 
 bool ReadWriteLock::tryLockForWrite(int milliseconds)
 {
     const bool locked = m_lock.tryLockForWrite(milliseconds);
     if (locked)
-        syncAcquire(this);
+        acquire(this);
     return locked;
 }
 
 void ReadWriteLock::unlockRead()
 {
-    syncRelease(this);
+    release(this);
     m_lock.unlock();
 }
 
 void ReadWriteLock::unlockWrite()
 {
-    syncRelease(this);
+    release(this);
     m_lock.unlock();
 }
 

@@ -65,6 +65,7 @@ private:
 
 ICfg &CfgCenter::GetAppCfg()
 {
-    static AppCfg cfg;
-    return cfg;
+    // Never destroyed: a thread that still runs at exit may come here.
+    static auto *const cfg = new AppCfg;
+    return *cfg;
 }

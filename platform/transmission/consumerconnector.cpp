@@ -180,8 +180,11 @@ bool ConsumerConnectorPrivate::readSocket()
             sendProgress();
         readOnIfNeeded();
     } catch (const zmq::error_t &error) {
-        SPECTREE_TRACE(TraceWarnings, QStringLiteral("A consumer can't read its socket: %1")
-                                          .arg(QString::fromUtf8(error.what())));
+        if (const auto times = m_errorTrace.due())
+            SPECTREE_TRACE(TraceWarnings,
+                           QStringLiteral("A consumer can't read its socket (%1 times): %2")
+                               .arg(times)
+                               .arg(QString::fromUtf8(error.what())));
     }
     return true;
 }
@@ -190,7 +193,9 @@ bool ConsumerConnectorPrivate::handle(Parts &parts)
 {
     const auto frame = frames::parseFromServer(parts[0].data<char>(), parts[0].size());
     if (!frame || parts.size() != (carriesMessage(*frame) ? 2u : 1u)) {
-        SPECTREE_TRACE(TraceWarnings, QStringLiteral("A consumer dropped a malformed frame"));
+        if (const auto times = m_frameTrace.due())
+            SPECTREE_TRACE(TraceWarnings,
+                           QStringLiteral("A consumer dropped %1 malformed frames").arg(times));
         return true;
     }
     if (const auto *massdata = std::get_if<frames::Massdata>(&*frame))
@@ -292,9 +297,11 @@ void ConsumerConnectorPrivate::sendCommand(const QByteArray &command)
     if (m_phase == Phase::ready && m_waiting.empty() && trySend(frames::Command{}, &command))
         return;
     if (m_waiting.size() >= kMaxWaitingCommands) {
-        SPECTREE_TRACE(TraceWarnings, QStringLiteral("A consumer dropped a command: %1 wait for "
-                                                     "its adapter")
-                                          .arg(m_waiting.size()));
+        if (const auto times = m_commandTrace.due())
+            SPECTREE_TRACE(TraceWarnings,
+                           QStringLiteral("A consumer dropped %1 commands: %2 wait for its adapter")
+                               .arg(times)
+                               .arg(m_waiting.size()));
         m_waiting.pop_front();
     }
     m_waiting.push_back(command);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/base/instancecounter.h"
+#include "platform/base/tracelimit.h"
 #include "platform/transmission/consumerconnector.h"
 #include "platform/transmission/consumergroup.h"
 #include "platform/transmission/frames_p.h"
@@ -92,6 +93,7 @@ private:
     std::uint64_t m_stateTold = 0;
     std::uint64_t m_lost = 0, m_lostBefore = 0; // on this link, on earlier ones
     std::deque<QByteArray> m_waiting;           // commands for an adapter that isn't there yet
+    Kelm::TraceLimit m_errorTrace, m_frameTrace, m_commandTrace;
 };
 
 } // namespace sbs

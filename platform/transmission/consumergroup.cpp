@@ -38,7 +38,8 @@ ConsumerGroup::ConsumerGroup(const QByteArray &address, const QString &windowGui
 std::shared_ptr<zmq::context_t> ConsumerGroup::sharedContext()
 {
     static Kelm::Mutex mutex;
-    static std::weak_ptr<zmq::context_t> shared; // guarded by mutex
+    // Never destroyed: a thread that still runs at exit may come here.
+    static auto &shared = *new std::weak_ptr<zmq::context_t>; // guarded by mutex
     const Kelm::MutexLocker lock(mutex);
     std::shared_ptr<zmq::context_t> context = shared.lock();
     if (context)

@@ -12,9 +12,12 @@ void runGuarded(const ControllerGate::Work &work, IAdapterController &controller
     try {
         work(controller);
     } catch (const std::exception &error) {
-        SPECTREE_TRACE(
-            TraceWarnings,
-            QStringLiteral("An adapter failed: %1").arg(QString::fromUtf8(error.what())));
+        static Kelm::TraceLimit limit; // commands come from outside
+        if (const auto times = limit.due())
+            SPECTREE_TRACE(TraceWarnings,
+                           QStringLiteral("Adapters failed %1 times, the last one: %2")
+                               .arg(times)
+                               .arg(QString::fromUtf8(error.what())));
     }
 }
 

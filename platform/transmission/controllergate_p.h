@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/base/sync.h"
+#include "platform/base/tracelimit.h"
 #include "platform/transmission/adaptercontroller.h"
 
 #include <atomic>
@@ -24,7 +25,7 @@ public:
 
     bool isOpen() const;
     /// Runs \a work on the controller's thread, in the order of the posts; what it throws is
-    /// traced. False when the controller has gone.
+    /// traced, once a second at most. False when the controller has gone.
     bool post(Work work);
     /// Adds to what the controller's next signalLostMessages tells.
     void countLost(std::uint64_t count);

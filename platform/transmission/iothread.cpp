@@ -28,7 +28,8 @@ int makeEventFd()
 std::shared_ptr<IoThread> IoThread::shared()
 {
     static Kelm::Mutex mutex;
-    static std::weak_ptr<IoThread> running; // guarded by mutex
+    // Never destroyed: a thread that still runs at exit may come here.
+    static auto &running = *new std::weak_ptr<IoThread>; // guarded by mutex
     const Kelm::MutexLocker lock(mutex);
     std::shared_ptr<IoThread> thread = running.lock();
     if (!thread) {

@@ -2,6 +2,7 @@
 
 #include "platform/base/instancecounter.h"
 #include "platform/base/sync.h"
+#include "platform/base/tracelimit.h"
 #include "platform/transmission/frames_p.h"
 #include "platform/transmission/server.h"
 #include "platform/transmission/serversession_p.h"
@@ -114,6 +115,8 @@ private:
     zmq::socket_t m_socket SPECTREE_GUARDED_BY(m_mutex);
     bool m_open SPECTREE_GUARDED_BY(m_mutex) = true;
     Server::Statistics m_counts SPECTREE_GUARDED_BY(m_mutex);
+
+    Kelm::TraceLimit m_rejectTrace, m_refuseTrace;
 
     // The I/O thread's own
     std::map<std::string, SessionPtr> m_sessions; // by route

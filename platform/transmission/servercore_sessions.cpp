@@ -219,14 +219,21 @@ void ServerCore::rejectFrame(const std::string &why)
         const Kelm::MutexLocker lock(m_mutex);
         ++m_counts.rejectedFrames;
     }
-    SPECTREE_TRACE(TraceWarnings, QStringLiteral("The scan buffer server dropped a frame: %1")
-                                      .arg(QString::fromStdString(why)));
+    if (const auto times = m_rejectTrace.due())
+        SPECTREE_TRACE(TraceWarnings,
+                       QStringLiteral("The scan buffer server dropped %1 frames, the last one: %2")
+                           .arg(times)
+                           .arg(QString::fromStdString(why)));
 }
 
 void ServerCore::refuse(const std::string &route, bool final, const std::string &reason)
 {
-    SPECTREE_TRACE(TraceWarnings, QStringLiteral("The scan buffer server refused a consumer: %1")
-                                      .arg(QString::fromStdString(reason)));
+    if (const auto times = m_refuseTrace.due())
+        SPECTREE_TRACE(
+            TraceWarnings,
+            QStringLiteral("The scan buffer server refused %1 consumers, the last one: %2")
+                .arg(times)
+                .arg(QString::fromStdString(reason)));
     const std::string frame = encode(frames::Refused{final, reason});
     const Kelm::MutexLocker lock(m_mutex);
     transmitTo(route, frame.data(), frame.size(), nullptr);
