@@ -28,6 +28,12 @@ enum ValueType : int {
     VTYPE_ValueWString = 80,
     VTYPE_ValueNumericFloatWithOffset = 104,
 
+    VTYPE_ValueSelection = 9,
+    VTYPE_StringMultiSelection = 68,
+    VTYPE_StringExclusiveSelection = 69,
+    VTYPE_StringDoubleMultiSelection = 70,
+    VTYPE_StringDoubleExclusiveSelection = 71,
+
     VTYPE_ValueMapChar = 10,
     VTYPE_ValueMapShort = 11,
     VTYPE_ValueMapLong = 12,
