@@ -7,7 +7,8 @@
 namespace apps {
 
 /// The CURVE keys of a text file: 40 characters of Z85 or 64 hexadecimal digits each, apart by
-/// white space; "#" begins a comment. At least one. \throws Failure that names the file
+/// white space; a word that begins with "#" begins a comment. At least one. \throws Failure that
+/// names the file
 QStringList readKeys(const QString &path);
 
 /// The only key of a file. \throws Failure also when there are several

@@ -68,100 +68,91 @@ void runFor(int milliseconds)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
 }
 
-std::unique_ptr<FakeInput> inputOf(std::vector<KRTimeStamp> stamps)
-{
-    return std::make_unique<FakeInput>(std::move(stamps));
-}
+/// A feeder between fakes, started.
+struct Rig {
+    Rig(const std::vector<KRTimeStamp> &stamps, const FeedPlan &plan, std::size_t failAt = SIZE_MAX)
+        : feeder(makeInput(stamps, failAt), std::make_unique<FakeSink>(stored), plan),
+          ended(&feeder, &Feeder::ended), failed(&feeder, &Feeder::failed)
+    {
+        feeder.start();
+    }
+    static std::unique_ptr<FakeInput> makeInput(const std::vector<KRTimeStamp> &stamps,
+                                                std::size_t failAt)
+    {
+        auto input = std::make_unique<FakeInput>(stamps);
+        input->failAt = failAt;
+        return input;
+    }
+
+    Stored stored;
+    Feeder feeder;
+    QSignalSpy ended, failed;
+};
 
 } // namespace
 
 TEST(Feeder, FeedsAllAtOnceAtSpeedZeroAndSaysWhenItEnds)
 {
-    Stored stored;
-    Feeder feeder(inputOf({1000000, 2000000, 3000000}), std::make_unique<FakeSink>(stored),
-                  {0, false, false});
-    QSignalSpy ended(&feeder, &Feeder::ended);
-    feeder.start();
-    EXPECT_TRUE(stored.scans.empty()) << "nothing before the event loop runs";
+    Rig rig({1000000, 2000000, 3000000}, {0, false, false});
+    EXPECT_TRUE(rig.stored.scans.empty()) << "nothing before the event loop runs";
     runFor(50);
-    EXPECT_EQ(stored.scans, (std::vector<int>{0, 1, 2}));
-    EXPECT_EQ(stored.times, (std::vector<KRTimeStamp>{1000000, 2000000, 3000000}));
-    EXPECT_EQ(ended.count(), 1);
-    EXPECT_EQ(feeder.scans(), 3u);
+    EXPECT_EQ(rig.stored.scans, (std::vector<int>{0, 1, 2}));
+    EXPECT_EQ(rig.stored.times, (std::vector<KRTimeStamp>{1000000, 2000000, 3000000}));
+    EXPECT_EQ(rig.ended.count(), 1);
+    EXPECT_EQ(rig.feeder.scans(), 3u);
 }
 
 TEST(Feeder, KeepsTheTimeOfTheStampsTimesTheSpeed)
 {
-    Stored stored;
     // 0.4 s and an hour behind the first, at twice the speed
-    Feeder feeder(inputOf({1000000, 1400000, 3600000000}), std::make_unique<FakeSink>(stored),
-                  {2, false, false});
-    feeder.start();
+    Rig rig({1000000, 1400000, 3600000000}, {2, false, false});
     runFor(120);
-    EXPECT_EQ(stored.scans.size(), 1u);
+    EXPECT_EQ(rig.stored.scans.size(), 1u);
     runFor(300);
-    EXPECT_EQ(stored.scans.size(), 2u);
+    EXPECT_EQ(rig.stored.scans.size(), 2u);
 }
 
 TEST(Feeder, LoopsWithRisingStampsAndLetsOthersRun)
 {
-    Stored stored;
-    Feeder feeder(inputOf({5000, 7000}), std::make_unique<FakeSink>(stored), {0, true, false});
-    QSignalSpy ended(&feeder, &Feeder::ended);
+    Rig rig({5000, 7000}, {0, true, false});
     int ticks = 0;
     QTimer other;
     QObject::connect(&other, &QTimer::timeout, [&ticks] { ++ticks; });
     other.start(10);
-    feeder.start();
     runFor(200);
-    EXPECT_GT(stored.times.size(), 1000u);
-    for (std::size_t i = 1; i < stored.times.size(); ++i)
-        ASSERT_GT(stored.times[i], stored.times[i - 1]);
-    EXPECT_EQ(stored.times[2], 9000u);
-    EXPECT_EQ(ended.count(), 0);
+    const std::vector<KRTimeStamp> &times = rig.stored.times;
+    EXPECT_GT(times.size(), 1000u);
+    for (std::size_t i = 1; i < times.size(); ++i)
+        ASSERT_GT(times[i], times[i - 1]);
+    EXPECT_EQ(times[2], 9000u);
+    EXPECT_EQ(rig.ended.count(), 0);
     EXPECT_GT(ticks, 5) << "the event loop was held";
 }
 
 TEST(Feeder, WaitsUntilAWindowHasAllItsKindsOfData)
 {
-    Stored stored;
-    Feeder feeder(inputOf({1, 2}), std::make_unique<FakeSink>(stored), {0, false, true});
-    feeder.start();
+    Rig rig({1, 2}, {0, false, true});
     runFor(30);
-    ASSERT_TRUE(stored.windowSeen);
-    EXPECT_TRUE(feeder.isWaiting());
+    ASSERT_TRUE(rig.stored.windowSeen);
+    EXPECT_TRUE(rig.feeder.isWaiting());
     for (int kind = 0; kind < 3; ++kind) {
-        std::thread(stored.windowSeen).join(); // a window's thread tells
+        std::thread(rig.stored.windowSeen).join(); // a window's thread tells
         runFor(200);
-        EXPECT_TRUE(stored.scans.empty()) << "kind " << kind;
+        EXPECT_TRUE(rig.stored.scans.empty()) << "kind " << kind;
     }
     runFor(300);
-    EXPECT_EQ(stored.scans.size(), 2u);
-    EXPECT_FALSE(feeder.isWaiting());
+    EXPECT_EQ(rig.stored.scans.size(), 2u);
+    EXPECT_FALSE(rig.feeder.isWaiting());
 }
 
-TEST(Feeder, TellsOfAnInputThatFails)
+TEST(Feeder, TellsOfAnInputThatFailsOrHasNothing)
 {
-    Stored stored;
-    auto input = inputOf({1, 2, 3});
-    input->failAt = 1;
-    Feeder feeder(std::move(input), std::make_unique<FakeSink>(stored), {0, false, false});
-    QSignalSpy failed(&feeder, &Feeder::failed);
-    feeder.start();
+    Rig broken({1, 2, 3}, {0, false, false}, 1), empty({}, {0, true, false});
     runFor(30);
-    ASSERT_EQ(failed.count(), 1);
-    EXPECT_EQ(failed[0][0].toString(), QStringLiteral("the disk is gone"));
-    EXPECT_EQ(stored.scans.size(), 1u);
-}
-
-TEST(Feeder, EndsALoopOverAnInputThatHasNothing)
-{
-    Stored stored;
-    Feeder feeder(inputOf({}), std::make_unique<FakeSink>(stored), {0, true, false});
-    QSignalSpy ended(&feeder, &Feeder::ended);
-    feeder.start();
-    runFor(30);
-    EXPECT_EQ(ended.count(), 1);
+    ASSERT_EQ(broken.failed.count(), 1);
+    EXPECT_EQ(broken.failed[0][0].toString(), QStringLiteral("the disk is gone"));
+    EXPECT_EQ(broken.stored.scans.size(), 1u);
+    EXPECT_EQ(empty.ended.count(), 1) << "a loop over nothing";
 }
 
 TEST(TerminationSignals, BecomeAQtSignal)

@@ -37,11 +37,25 @@ QByteArray wav(const QByteArray &chunks)
     return "RIFF" + images<std::uint32_t>({std::uint32_t(chunks.size() + 4)}) + "WAVE" + chunks;
 }
 
+QByteArray wav(const QByteArray &format, const QByteArray &data)
+{
+    return wav(chunk("fmt ", format) + chunk("data", data));
+}
+
 QByteArray meta(const char *datatype, const char *more = "", const char *captures = "[]")
 {
     return QByteArray("{\"global\":{\"core:version\":\"1.2.5\",\"core:sample_rate\":1e6,"
                       "\"core:datatype\":\"") +
            datatype + "\"" + more + "},\"captures\":" + captures + ",\"annotations\":[]}";
+}
+
+template <typename Work>
+void expectRefusal(const char *name, Work &&work, const std::string &sentence, int code = 1)
+{
+    SCOPED_TRACE(name);
+    const Outcome outcome = outcomeOf(work);
+    EXPECT_EQ(outcome.code, code);
+    EXPECT_NE(outcome.sentence.find(sentence), std::string::npos) << outcome.sentence;
 }
 
 } // namespace
@@ -62,8 +76,7 @@ TEST(IqReader, ScalesEachPlainFormatToOne)
     for (const auto &c : cases) {
         SCOPED_TRACE(c.format);
         const QString path = files.write("plain.bin", c.bytes);
-        const Recording recording = openRecording(path, QString::fromLatin1(c.format));
-        EXPECT_EQ(samplesOf(recording), c.expected);
+        EXPECT_EQ(samplesOf(openRecording(path, QString::fromLatin1(c.format))), c.expected);
         // The ending tells the format as well.
         const QString named = files.write((std::string("a.") + c.format).c_str(), c.bytes);
         EXPECT_EQ(samplesOf(openRecording(named, QString())), c.expected);
@@ -96,24 +109,15 @@ TEST(IqReader, RefusesPlainFilesThatCannotBeRight)
     const Files files;
     const QString odd = files.write("odd.cs16", QByteArray(5, 'x'));
     const QString unknown = files.write("recording.dat", QByteArray(8, 'x'));
-    const struct {
-        const char *name;
-        QString path, format;
-        int code;
-        const char *sentence;
-    } cases[] = {
-        {"missing", files.path("absent.cu8"), QString(), 1, "No such file"},
-        {"a folder", files.path("."), QStringLiteral("cu8"), 1, "is a folder"},
-        {"odd length", odd, QString(), 1, "5 bytes, which is no whole number of cs16 samples"},
-        {"no format", unknown, QString(), 2, "give --format"},
+    const auto refused = [&](const QString &path, const char *format, const char *why, int code) {
+        const auto open = [&] { openRecording(path, QString::fromLatin1(format)); };
+        expectRefusal(why, open, why, code);
+        expectRefusal("names the file", open, path.toStdString(), code);
     };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.name);
-        const Outcome outcome = outcomeOf([&c] { openRecording(c.path, c.format); });
-        EXPECT_EQ(outcome.code, c.code);
-        EXPECT_NE(outcome.sentence.find(c.sentence), std::string::npos) << outcome.sentence;
-        EXPECT_NE(outcome.sentence.find(c.path.toStdString()), std::string::npos);
-    }
+    refused(files.path("absent.cu8"), "", "No such file", 1);
+    refused(files.path("."), "cu8", "is a folder", 1);
+    refused(odd, "", "5 bytes, which is no whole number of cs16 samples", 1);
+    refused(unknown, "", "give --format", 2);
 }
 
 TEST(IqReader, NoticesAFileThatShrinksWhileItIsRead)
@@ -131,55 +135,29 @@ TEST(WavReader, ReadsEachKindOfSamples)
     const QByteArray sub = QByteArray("\x16\0\x10\0\0\0\0\0", 8);
     const QByteArray extensible =
         wavFormat(0xFFFE, 1, 8000, 16) + sub + images<std::uint16_t>({1}) + QByteArray(14, 'g');
+    const QByteArray mono = wavFormat(1, 1, 8000, 16), quarter = images<std::int16_t>({8192});
     const struct {
         const char *name;
         QByteArray bytes;
-        bool complex;
         std::vector<float> expected;
     } cases[] = {
-        {"8 bits, zero at 128",
-         wav(chunk("fmt ", wavFormat(1, 1, 8000, 8)) + chunk("data", "\x80\xC0")),
-         false,
-         {0, 0.5f}},
-        {"16 bits stereo: I and Q",
-         wav(chunk("fmt ", wavFormat(1, 2, 8000, 16)) +
-             chunk("data", images<std::int16_t>({16384, -16384}))),
-         true,
-         {0.5f, -0.5f}},
-        {"24 bits with a sign",
-         wav(chunk("fmt ", wavFormat(1, 1, 8000, 24)) +
-             chunk("data", QByteArray("\0\0\xC0\0\0\x40", 6))),
-         false,
-         {-0.5f, 0.5f}},
-        {"32 bits",
-         wav(chunk("fmt ", wavFormat(1, 1, 8000, 32)) +
-             chunk("data", images<std::int32_t>({-1073741824}))),
-         false,
-         {-0.5f}},
-        {"float",
-         wav(chunk("fmt ", wavFormat(3, 1, 8000, 32)) + chunk("data", images<float>({0.125f}))),
-         false,
-         {0.125f}},
-        {"extensible",
-         wav(chunk("fmt ", extensible) + chunk("data", images<std::int16_t>({8192}))),
-         false,
-         {0.25f}},
+        {"8 bits, zero at 128", wav(wavFormat(1, 1, 8000, 8), "\x80\xC0"), {0, 0.5f}},
+        {"stereo", wav(wavFormat(1, 2, 8000, 16), quarter + quarter), {0.25f, 0.25f}},
+        {"24 bits", wav(wavFormat(1, 1, 8000, 24), QByteArray("\0\0\xC0", 3)), {-0.5f}},
+        {"32 bits", wav(wavFormat(1, 1, 8000, 32), images<int>({-1073741824})), {-0.5f}},
+        {"float", wav(wavFormat(3, 1, 8000, 32), images<float>({0.125f})), {0.125f}},
+        {"extensible", wav(extensible, quarter), {0.25f}},
         {"odd unknown chunks are stepped over, padding too",
-         wav(chunk("LIST", "abc") + chunk("fmt ", wavFormat(1, 1, 8000, 16)) + chunk("auxi", "x") +
-             chunk("data", images<std::int16_t>({8192})) + chunk("bext", "behind")),
-         false,
+         wav(chunk("LIST", "abc") + chunk("fmt ", mono) + chunk("auxi", "x") +
+             chunk("data", quarter) + chunk("bext", "behind")),
          {0.25f}},
-        {"a size of 0 means to the end",
-         wav(chunk("fmt ", wavFormat(1, 1, 8000, 16)) + chunk("data", "")) +
-             images<std::int16_t>({8192, 16384}) + "x",
-         false,
-         {0.25f, 0.5f}},
+        {"a size of 0 means to the end", wav(mono, "") + quarter + quarter + "x", {0.25f, 0.25f}},
     };
     const Files files;
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
         const Recording recording = openRecording(files.write("a.wav", c.bytes), QString());
-        EXPECT_EQ(recording.format.complex, c.complex);
+        EXPECT_EQ(recording.format.complex, std::string(c.name) == "stereo") << "I and Q";
         EXPECT_EQ(recording.rate, 8000);
         EXPECT_TRUE(recording.warnings.isEmpty());
         EXPECT_EQ(samplesOf(recording), c.expected);
@@ -188,8 +166,7 @@ TEST(WavReader, ReadsEachKindOfSamples)
 
 TEST(WavReader, WarnsOfSamplesThatEndEarly)
 {
-    QByteArray bytes = wav(chunk("fmt ", wavFormat(1, 1, 8000, 16)) +
-                           chunk("data", images<std::int16_t>({8192, 8192, 8192})));
+    QByteArray bytes = wav(wavFormat(1, 1, 8000, 16), images<std::int16_t>({8192, 8192, 8192}));
     bytes.chop(3);
     const Files files;
     const Recording recording = openRecording(files.write("cut.wav", bytes), QString());
@@ -217,13 +194,11 @@ TEST(WavReader, RefusesWhatItCannotRead)
          wav(QByteArray("junk") + images<std::uint32_t>({0xFFFFFFFF}) + data), "no samples"},
     };
     for (const auto &c : cases) {
-        SCOPED_TRACE(c.name);
         QBuffer buffer;
         buffer.setData(c.bytes);
         buffer.open(QIODevice::ReadOnly);
-        const Outcome outcome = outcomeOf([&] { readWavHeader(buffer, QStringLiteral("a.wav")); });
-        EXPECT_EQ(outcome.code, 1);
-        EXPECT_NE(outcome.sentence.find(c.sentence), std::string::npos) << outcome.sentence;
+        const auto read = [&] { readWavHeader(buffer, QStringLiteral("a.wav")); };
+        expectRefusal(c.name, read, c.sentence);
     }
 }
 
@@ -260,62 +235,57 @@ TEST(SigMf, ReadsEachDatatype)
 
 TEST(SigMf, TakesFrequencyTimeAndPlaceFromTheFirstSegment)
 {
+    const auto global = [](const char *more) { return meta("ri8", more); };
+    const auto captures = [](const char *list, const char *more = "") {
+        return meta("ri8", more, list);
+    };
     const struct {
-        const char *name, *more, *captures;
+        QByteArray meta;
         double center;
         KRTimeStamp start;
-        std::vector<float> expected;
+        std::vector<float> expected; ///< of 1, 2, 3, 4
     } cases[] = {
-        {"no capture", "", "[]", 0, 0, {0.125f, 0.25f, 0.375f, 0.5f}},
-        {"a time in UTC with microseconds",
-         "",
-         R"([{"core:sample_start":0,"core:frequency":98e6,"core:datetime":"1970-01-02T00:00:01.123456789Z"}])",
+        {captures("[]"), 0, 0, {1, 2, 3, 4}},
+        {captures(R"([{"core:sample_start":0,"core:frequency":98e6,)"
+                  R"("core:datetime":"1970-01-02T00:00:01.123456789Z"}])"),
          98e6,
          86401123456,
-         {0.125f, 0.25f, 0.375f, 0.5f}},
-        {"a time with an offset",
-         "",
-         R"([{"core:sample_start":0,"core:datetime":"1970-01-02T01:00:00+01:00"}])",
+         {1, 2, 3, 4}},
+        {captures(R"([{"core:sample_start":0,"core:datetime":"1970-01-02T01:00:00+01:00"}])"),
          0,
          86400000000,
-         {0.125f, 0.25f, 0.375f, 0.5f}},
-        {"samples counted from an offset",
-         R"(,"core:offset":1000)",
-         R"([{"core:sample_start":1002}])",
-         0,
-         0,
-         {0.375f, 0.5f}},
-        {"ends where the frequency changes",
-         "",
-         R"([{"core:sample_start":1,"core:frequency":1},{"core:sample_start":3,"core:frequency":2}])",
+         {1, 2, 3, 4}},
+        // samples counted from an offset
+        {captures(R"([{"core:sample_start":1002}])", R"(,"core:offset":1000)"), 0, 0, {3, 4}},
+        // ends where the frequency changes
+        {captures(R"([{"core:sample_start":1,"core:frequency":1},)"
+                  R"({"core:sample_start":3,"core:frequency":2}])"),
          1,
          0,
-         {0.25f, 0.375f}},
-        {"bytes before and behind",
-         R"(,"core:trailing_bytes":1)",
-         R"([{"core:sample_start":0,"core:header_bytes":2}])",
+         {2, 3}},
+        // bytes before and behind
+        {captures(R"([{"core:sample_start":0,"core:header_bytes":2}])",
+                  R"(,"core:trailing_bytes":1)"),
          0,
          0,
-         {0.375f}},
-        {"the first of two channels", R"(,"core:num_channels":2)", "[]", 0, 0, {0.125f, 0.375f}},
-        {"keys of other namespaces",
-         R"(,"x:y":{"z":[1]},"core:extensions":[{"name":"antenna","version":"1","optional":true}])",
-         "[]",
+         {3}},
+        {global(R"(,"core:num_channels":2)"), 0, 0, {1, 3}},
+        {global(R"(,"x:y":{"z":[1]},"core:extensions":[{"name":"a","optional":true}])"),
          0,
          0,
-         {0.125f, 0.25f, 0.375f, 0.5f}},
+         {1, 2, 3, 4}},
     };
     const Files files;
+    files.write("a.sigmf-data", images<std::int8_t>({1, 2, 3, 4}));
     for (const auto &c : cases) {
-        SCOPED_TRACE(c.name);
-        const bool padded = std::string(c.name).find("bytes") == 0;
-        files.write("a.sigmf-data", padded ? images<std::int8_t>({9, 9, 48, 9})
-                                           : images<std::int8_t>({16, 32, 48, 64}));
-        const QString path = files.write("a.sigmf-meta", meta("ri8", c.more, c.captures));
-        const Recording recording = openRecording(path, QString());
+        SCOPED_TRACE(c.meta.toStdString());
+        const Recording recording = openRecording(files.write("a.sigmf-meta", c.meta), QString());
         EXPECT_EQ(recording.center, c.center);
         EXPECT_EQ(recording.start, c.start);
-        EXPECT_EQ(samplesOf(recording), c.expected);
+        std::vector<float> samples = samplesOf(recording);
+        for (float &sample : samples)
+            sample *= 128;
+        EXPECT_EQ(samples, c.expected);
     }
 }
 
@@ -358,19 +328,13 @@ TEST(SigMf, RefusesWhatItCannotRead)
         {"a path", meta("ci8", R"(,"core:dataset":"../../etc/passwd")"), "core:dataset"},
         {"without samples", meta("ci8", R"(,"core:metadata_only":true)"), "without samples"},
     };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.name);
-        const Outcome outcome =
-            outcomeOf([&c] { parseSigMfMeta(c.json, QStringLiteral("a.sigmf-meta")); });
-        EXPECT_EQ(outcome.code, 1);
-        EXPECT_NE(outcome.sentence.find(c.sentence), std::string::npos) << outcome.sentence;
-    }
+    for (const auto &c : cases)
+        expectRefusal(
+            c.name, [&] { parseSigMfMeta(c.json, QStringLiteral("a.sigmf-meta")); }, c.sentence);
     const Files files;
     const QString path = files.write("a.sigmf-meta", meta("ci8"));
-    EXPECT_NE(
-        outcomeOf([&] { openRecording(path, QString()); }).sentence.find("samples are missing"),
-        std::string::npos);
+    const auto open = [&] { openRecording(path, QString()); };
+    expectRefusal("no data file", open, "samples are missing");
     files.write("a.sigmf-data", "odd");
-    EXPECT_NE(outcomeOf([&] { openRecording(path, QString()); }).sentence.find("no whole number"),
-              std::string::npos);
+    expectRefusal("an odd data file", open, "no whole number");
 }

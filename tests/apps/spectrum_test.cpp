@@ -48,6 +48,15 @@ Recording recordingOf(const Files &files, const char *format, const std::vector<
     return recording;
 }
 
+SpectrumSettings settingsOf(int fft, int average = 1, Window window = Window::hann)
+{
+    SpectrumSettings settings;
+    settings.fft = fft;
+    settings.average = average;
+    settings.window = window;
+    return settings;
+}
+
 std::vector<Scan> scansOf(const Recording &recording, const SpectrumSettings &settings)
 {
     SpectrumInput input(recording, settings);
@@ -67,11 +76,8 @@ TEST(Spectrum, ASineReadsItsLevelWhateverFormatSizeAndWindow)
                 SCOPED_TRACE(std::string(format) + " " + std::to_string(fft) + " window " +
                              std::to_string(int(window)));
                 const int channel = -fft / 4 + 1; // from the centre
-                SpectrumSettings settings;
-                settings.fft = fft;
-                settings.window = window;
                 SpectrumInput input(recordingOf(files, format, sine(0.5, channel, fft, 2 * fft)),
-                                    settings);
+                                    settingsOf(fft, 1, window));
 
                 const auto scans = readAll(input);
 
@@ -95,9 +101,7 @@ TEST(Spectrum, RealSamplesReachFromTheDialToHalfTheRate)
         numbers.push_back(0.25 + 0.5 * std::sin(2 * std::numbers::pi * 150 * i / fft));
     Recording recording = recordingOf(files, "cf32", numbers);
     recording.format.complex = false;
-    SpectrumSettings settings;
-    settings.fft = fft;
-    SpectrumInput input(recording, settings);
+    SpectrumInput input(recording, settingsOf(fft));
     const auto scans = readAll(input);
 
     ASSERT_EQ(input.grid().size(), 1u);
@@ -121,10 +125,8 @@ TEST(Spectrum, ScallopingAndNoiseBandwidthAreWhatTheTableSays)
     const int fft = 1024;
     for (const auto &c : cases) {
         SCOPED_TRACE(int(c.window));
-        SpectrumSettings settings;
-        settings.fft = fft;
-        settings.window = c.window;
-        const auto scans = scansOf(recordingOf(files, "cf32", sine(1, 100.5, fft, fft)), settings);
+        const auto scans = scansOf(recordingOf(files, "cf32", sine(1, 100.5, fft, fft)),
+                                   settingsOf(fft, 1, c.window));
         const auto &levels = scans.at(0).levels;
         EXPECT_NEAR(107 - *std::max_element(levels.begin(), levels.end()), c.scalloping, 0.01);
 
@@ -149,10 +151,7 @@ TEST(Spectrum, AveragingKeepsTheNoiseLevelAndCalmsIt)
     const double expected = dBuv(std::sqrt(2 * 0.01 * 0.01 * 1.5 / fft));
     for (const int average : {1, 50, 400}) {
         SCOPED_TRACE(average);
-        SpectrumSettings settings;
-        settings.fft = fft;
-        settings.average = average;
-        const auto scans = scansOf(recording, settings);
+        const auto scans = scansOf(recording, settingsOf(fft, average));
         ASSERT_EQ(scans.size(), std::size_t(transforms / average));
         double power = 0, deviation = 0;
         for (const Scan &scan : scans)
@@ -171,10 +170,7 @@ TEST(Spectrum, TimesScansByTheRateAndAveragesTheRestAtTheEnd)
     const Files files;
     Recording recording = recordingOf(files, "cs16", sine(0.5, 3, 100, 1099));
     recording.start = 5000000;
-    SpectrumSettings settings;
-    settings.fft = 100;
-    settings.average = 4;
-    SpectrumInput input(recording, settings);
+    SpectrumInput input(recording, settingsOf(100, 4));
     EXPECT_EQ(input.period(), 400);
     for (int pass = 0; pass < 2; ++pass) {
         const auto scans = readAll(input);
@@ -188,14 +184,12 @@ TEST(Spectrum, TimesScansByTheRateAndAveragesTheRestAtTheEnd)
 TEST(Spectrum, SilenceHasALevelAndTooFewSamplesASentence)
 {
     const Files files;
-    SpectrumSettings settings;
-    settings.fft = 64;
-    const auto scans = scansOf(recordingOf(files, "cs16", sine(0, 0, 64, 64)), settings);
+    const auto scans = scansOf(recordingOf(files, "cs16", sine(0, 0, 64, 64)), settingsOf(64));
     for (const float level : scans.at(0).levels)
         EXPECT_TRUE(std::isfinite(level) && level < -100) << level;
 
     const Recording recording = recordingOf(files, "cs16", sine(0, 0, 64, 63));
-    const Outcome outcome = outcomeOf([&] { SpectrumInput(recording, settings); });
+    const Outcome outcome = outcomeOf([&] { SpectrumInput(recording, settingsOf(64)); });
     EXPECT_EQ(outcome.code, 1);
     EXPECT_NE(outcome.sentence.find("63 samples, fewer than one transform of 64"),
               std::string::npos);
