@@ -1,7 +1,6 @@
 #include "scanbuffer/window/windowrelatedqobject.h"
 
 #include "platform/base/errorhandler.h"
-#include "platform/base/krexception.h"
 #include "platform/base/sync.h"
 #include "platform/base/types.h"
 #include "scanbuffer/idatasourceadapter.h"
@@ -139,7 +138,8 @@ void WindowRelatedQObject::startTimers()
     m_systemInfoTimer.start();
     m_readTimer.start();
     m_xRulerTimer.start();
-    InitBuffer();
+    if (!guarded("Building the ring", [this] { InitBuffer(); }))
+        m_needsInitialization = true; // the next pass tries again
 }
 
 void WindowRelatedQObject::setIntervals()
@@ -230,10 +230,10 @@ void WindowRelatedQObject::slotSetDefaultCompression(std::vector<int> settings)
     try {
         if (m_compression)
             m_compression->details().Set(settings, true);
-    } catch (const KRException &error) {
-        SPECTREE_TRACE(TraceWarnings, QStringLiteral("Compression settings of window %1 left as "
-                                                     "they are: %2")
-                                          .arg(m_winGUID, error.GetReason()));
+    } catch (const std::exception &error) {
+        SPECTREE_TRACE(TraceWarnings,
+                       QStringLiteral("Compression settings of window %1 left as they are: %2")
+                           .arg(m_winGUID, QString::fromUtf8(error.what())));
         return;
     }
     compressionSettingsChanged(false);
@@ -249,7 +249,7 @@ void WindowRelatedQObject::compressionSettingsChanged(bool raised)
     m_pendingReinitialization = 2;
     m_needsInitialization = true;
     if (m_compression)
-        Q_EMIT signalSendSettings(*details(), raised);
+        guarded("Telling the compression", [&] { Q_EMIT signalSendSettings(*details(), raised); });
 }
 
 void WindowRelatedQObject::slotReload(double x1, double x2, KRTimeStamp time,

@@ -234,10 +234,6 @@ TEST(StatisticsAdapter, TellsRateRowsAndTraffic)
     EXPECT_EQ(dynamic_cast<const MYData<double> &>(rate).GetValue(), 12.5);
     EXPECT_EQ(rows.GetType(), MDT_WaterfallScansPerLine);
     EXPECT_EQ(dynamic_cast<const MYData<unsigned short> &>(rows).GetValue(), 1);
-    rig.window.AddTraffic(500);
-    rig.window.slotTimeStampNow(3000000);
-    rig.adapter->process();
-    EXPECT_EQ(rig.last<MYData<double>>(mode, MDT_Traffic).GetValue(), 250) << "bytes a second";
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <limits>
 #include <random>
 
@@ -20,41 +21,38 @@ std::mt19937 &generator()
 }
 int upTo(int limit) { return std::uniform_int_distribution<int>(0, limit)(generator()); }
 
+/// Few values, so that equal ones are many, and now and then what a careless comparison gets wrong.
 template <typename Y>
-Y numberSample(int value)
+Y randomNumber()
 {
-    // Now and then what a careless comparison gets wrong.
+    using Limits = std::numeric_limits<Y>;
     const int special = upTo(60);
-    if constexpr (std::is_floating_point_v<Y>) {
-        if (special == 0)
-            return std::numeric_limits<Y>::quiet_NaN();
-        if (special < 3)
-            return special == 1 ? -std::numeric_limits<Y>::infinity() : Y(-0.0);
-    } else if constexpr (std::is_integral_v<Y>) {
-        if (special < 2)
-            return special == 0 ? std::numeric_limits<Y>::min() : std::numeric_limits<Y>::max();
-    }
-    return Y(value);
+    if (special == 0)
+        return Limits::has_quiet_NaN ? Limits::quiet_NaN() : Limits::min();
+    if (special == 1)
+        return Limits::has_infinity ? -Limits::infinity() : Limits::max();
+    return special == 2 ? Y(-0.0) : Y(upTo(200) - 100);
 }
 
-/// Few values, so that equal ones are many.
 template <typename Y, typename Handler>
 Y randomSample()
 {
     if (upTo(7) == 0)
         return Y(Handler::Minimum());
     const auto value = static_cast<short>(upTo(200) - 100);
-    if constexpr (std::is_same_v<Y, values::MinMax>) {
+    if constexpr (std::is_arithmetic_v<Y>) {
+        return randomNumber<Y>();
+    } else if constexpr (std::is_same_v<Y, values::MinMax>) {
         return Y(short(value - upTo(3)), value);
     } else if constexpr (std::is_same_v<Y, values::Pulse>) {
         return Y(value, short(upTo(9)), 1, 0, 0);
-    } else if constexpr (std::is_class_v<Y> && !std::is_same_v<Y, Kelm::Long>) {
+    } else if constexpr (std::is_same_v<Y, Kelm::Long>) {
+        return Y(value);
+    } else {
         Y sample;
         Handler::SetDimensionValue(0, sample, value / 10.0);
         Handler::SetDimensionValue(5, sample, upTo(2));
         return sample;
-    } else {
-        return numberSample<Y>(value);
     }
 }
 
@@ -184,17 +182,18 @@ TYPED_TEST(Fold, EqualsTheRuleForAnyScan)
 TYPED_TEST(Fold, RefusesWhatDoesNotFit)
 {
     using Y = typename TypeParam::Sample;
-    using Handler = typename TypeParam::Handler;
-    Grid grid = randomGrid();
-    std::vector<Y> samples(grid.channels, Handler::Minimum());
-    FoldRules rules;
-    ScanDisplayLine<Y> narrow(grid.pixels - 1, Handler::Minimum());
-    const std::span<const Y> all(samples);
-    EXPECT_FALSE((sbs::fold<Y, Handler>(all, grid.mapper, narrow, 0, 0, rules)));
-    ScanDisplayLine<Y> line(grid.pixels, Handler::Minimum());
-    EXPECT_FALSE((sbs::fold<Y, Handler>(all.first(0), grid.mapper, line, 0, 9, rules)));
-    // A stretch that ends past the samples is folded as far as there are any.
-    EXPECT_FALSE((sbs::fold<Y, Handler>(all, grid.mapper, line, 0, grid.channels + 9, rules)));
+    const Grid grid = randomGrid();
+    const Y minimum = TypeParam::Handler::Minimum();
+    const std::vector<Y> samples(grid.channels, minimum);
+    const auto folds = [&](std::size_t given, std::size_t pixels, std::uint32_t last) {
+        ScanDisplayLine<Y> line(pixels, minimum);
+        FoldRules rules;
+        return sbs::fold<Y, typename TypeParam::Handler>(std::span(samples).first(given),
+                                                         grid.mapper, line, 0, last, rules);
+    };
+    EXPECT_FALSE(folds(grid.channels, grid.pixels - 1, 0)) << "a line of another width";
+    EXPECT_FALSE(folds(0, grid.pixels, 9)) << "no samples";
+    EXPECT_FALSE(folds(grid.channels, grid.pixels, grid.channels + 9)) << "as far as there are any";
 }
 
 template <typename T>
@@ -217,43 +216,21 @@ TYPED_TEST(FoldKernels, AllGiveTheSame)
         std::vector<TypeParam> samples(grid.channels);
         const bool rising = upTo(3) == 0;
         for (unsigned int i = 0; i < grid.channels; ++i)
-            samples[i] = rising ? TypeParam(i / 8) : numberSample<TypeParam>(upTo(200) - 100);
+            samples[i] = rising ? TypeParam(i / 8) : randomNumber<TypeParam>();
         ScanDisplayLine<TypeParam> expected(grid.pixels, TypeParam(-127)), actual = expected;
         const auto &runs = grid.mapper.runs();
-        const auto job = [&](ScanDisplayLine<TypeParam> &line) {
-            return Job<TypeParam>{samples.data(),
-                                  samples.size(),
-                                  TypeParam(-127),
-                                  line.yValues.data(),
-                                  line.channelIds.data(),
-                                  line.overwriteCounts.data(),
-                                  runs.data(),
-                                  runs.data() + runs.size(),
-                                  0,
-                                  grid.channels - 1};
+        const auto fold = [&](auto kernel, ScanDisplayLine<TypeParam> &line) {
+            return kernel({samples.data(), samples.size(), TypeParam(-127), line.yValues.data(),
+                           line.channelIds.data(), line.overwriteCounts.data(), runs.data(),
+                           runs.data() + runs.size(), 0, grid.channels - 1});
         };
-        ASSERT_EQ(vectors(job(actual)), plain(job(expected)));
+        ASSERT_EQ(fold(vectors, actual), fold(plain, expected));
         ASSERT_EQ(actual.channelIds, expected.channelIds);
         ASSERT_EQ(actual.overwriteCounts, expected.overwriteCounts);
-        for (std::size_t p = 0; p < grid.pixels; ++p)
-            ASSERT_EQ(std::to_string(actual.yValues[p]), std::to_string(expected.yValues[p]));
+        ASSERT_EQ(std::memcmp(actual.yValues.data(), expected.yValues.data(),
+                              grid.pixels * sizeof(TypeParam)),
+                  0);
     }
-}
-
-TEST(ScanDisplayLineTest, FinishBlanksWhatTheScanDidNotReach)
-{
-    ScanDisplayLine<short> previous(3, -9999);
-    previous.yValues = {10, 20, 30};
-    previous.channelIds = {1, 2, 3};
-    ScanDisplayLine<short> line(3, -9999);
-    line.continueFrom(previous);
-    EXPECT_EQ(line.yValues, previous.yValues) << "a gap shows the scan before";
-    EXPECT_EQ(line.channelIds, previous.channelIds);
-    line.yValues[1] = 21;
-    line.overwriteCounts[1] = 1;
-    line.finish(-9999);
-    EXPECT_TRUE(line.finished);
-    EXPECT_EQ(line.yValues, (std::vector<short>{-9999, 21, -9999}));
 }
 
 } // namespace

@@ -210,68 +210,49 @@ TEST(WaterfallRows, BearingsLeaveAByteWhereThereIsNone)
               bytes({0, 64, 64, 0}));
 }
 
-TEST(WaterfallRows, ARowGrowsUntilItHoldsItsScans)
+/// Passes over some of the lines 1 to 4, newest first. Line k was taken at k and has the level and
+/// the id k. For each pass: the colours of the rows, their times, the youngest id; "-" for nothing.
+std::string gathered(int scansPerLine, const std::vector<std::vector<int>> &passes)
 {
     LevelRig rig;
-    rig.window.scansPerLine = 4;
+    rig.window.scansPerLine = scansPerLine;
+    rig.window.yRanges[0] = {0.0, 25.5};
     rig.window.colorSteps = 0;
-    for (int scan = 1; scan <= 5; ++scan) {
-        const int line = rig.addLine({short(100 * scan), 0}, std::uint64_t(40 + scan));
-        const auto sent = rig.pass({line}, {KRTimeStamp(10 * scan)});
-        ASSERT_TRUE(sent);
-        EXPECT_EQ(sent->size(), QSize(2, 1));
-        EXPECT_EQ(sent->GetTime(), Times{KRTimeStamp(scan <= 4 ? 10 : 50)}) << "its first scan's";
-        EXPECT_EQ(sent->GetYoungestID(), std::uint64_t(40 + scan));
-        EXPECT_EQ(std::uint8_t(sent->GetString()[0]), int(25.5 * scan + 0.5));
+    for (int line = 0; line <= 4; ++line)
+        rig.addLine({short(line)}, std::uint64_t(line));
+    std::string text;
+    for (const std::vector<int> &lines : passes) {
+        const auto sent = rig.pass(lines, Times(lines.begin(), lines.end()));
+        text += text.empty() ? "" : " ";
+        if (!sent) {
+            text += "-";
+            continue;
+        }
+        for (const char color : sent->GetString())
+            text += char('0' + color);
+        text += "@";
+        for (const KRTimeStamp time : sent->GetTime())
+            text += std::to_string(time);
+        text += "#" + std::to_string(sent->GetYoungestID());
         EXPECT_TRUE(sent->UseForCurve());
         EXPECT_EQ(sent->PacketId(), 7);
     }
+    return text;
 }
 
-TEST(WaterfallRows, AScanThatIsReadInPartsCountsOnce)
+TEST(WaterfallRows, GatherScansPassByPass)
 {
+    EXPECT_EQ(gathered(3, {{1}, {2}, {3}, {4}}), "1@1#1 2@1#2 3@1#3 4@4#4") << "a row grows";
+    EXPECT_EQ(gathered(2, {{1}, {1}, {2, 1}, {2}, {3}}), "1@1#1 1@1#1 2@1#2 2@1#2 3@3#3")
+        << "a scan that is read in parts counts once, of a finished row too";
+    EXPECT_EQ(gathered(1, {{3, 2, 1}}), "321@321#3") << "rows stand newest first";
+    EXPECT_EQ(gathered(2, {{3, 2, 1}, {4}}), "2@1#2 4@3#4") << "what is left over waits unseen";
+    EXPECT_EQ(gathered(2, {{4}, {2}, {2}, {3, 1}}), "4@4#4 - 2@2#2 3@2#3")
+        << "time that runs back begins anew, and an older line is out";
     LevelRig rig;
-    rig.window.scansPerLine = 2;
-    const int line = rig.addLine({0}), next = rig.addLine({0});
-    for (int part = 0; part < 3; ++part)
-        EXPECT_EQ(rig.pass({line}, {10})->GetTime(), Times{10});
-    EXPECT_EQ(rig.pass({next, line}, {20, 10})->GetLineCnt(), 1u) << "finished by the second";
-    EXPECT_EQ(rig.pass({next}, {20})->GetTime(), Times{10}) << "more of a finished row's scan";
-    const int third = rig.addLine({0});
-    EXPECT_EQ(rig.pass({third}, {30})->GetTime(), Times{30});
-}
-
-TEST(WaterfallRows, RowsStandNewestFirst)
-{
-    LevelRig rig;
-    rig.window.colorSteps = 0;
-    const int old = rig.addLine({100}, 1), middle = rig.addLine({200}, 2),
-              young = rig.addLine({300}, 1000001);
-    auto sent = rig.pass({young, middle, old}, {30, 20, 10});
-    EXPECT_EQ(sent->GetLineCnt(), 3u);
-    EXPECT_EQ(sent->GetTime(), (Times{30, 20, 10}));
-    EXPECT_EQ(sent->GetString(), bytes({77, 51, 26}));
-    EXPECT_EQ(sent->GetYoungestID(), 1000002u) << "above a million one is added";
-
-    rig.window.scansPerLine = 2; // two rows' worth and one over, which waits unseen
-    rig.rows.resetCurrentTimeStamp();
-    sent = rig.pass({young, middle, old}, {30, 20, 10});
-    EXPECT_EQ(sent->GetTime(), Times{10});
-    EXPECT_EQ(sent->GetYoungestID(), 2u);
-    EXPECT_EQ(sent->GetString(), bytes({51})) << "the last scan of a row shows";
-    sent = rig.pass({young}, {40});
-    EXPECT_EQ(sent->GetTime(), Times{30});
-}
-
-TEST(WaterfallRows, TimeThatRunsBackBeginsAnew)
-{
-    LevelRig rig;
-    rig.window.scansPerLine = 2;
-    const int line = rig.addLine({0}), older = rig.addLine({0});
-    rig.pass({line}, {100});
-    EXPECT_FALSE(rig.pass({line}, {99}));
-    EXPECT_EQ(rig.pass({line}, {50})->GetTime(), Times{50}) << "and goes on from there";
-    EXPECT_EQ(rig.pass({line, older}, {60, 40})->GetTime(), Times{50}) << "an older one is out";
+    rig.addLine({0}, 1000001);
+    EXPECT_EQ(rig.pass({0}, {1})->GetYoungestID(), 1000002u) << "above a million one is added";
+    EXPECT_THROW(rig.pass({0, 0}, {2}), std::out_of_range) << "a list that is too short";
 }
 
 TEST(WaterfallRows, AnotherWidthDropsTheRow)
@@ -283,13 +264,6 @@ TEST(WaterfallRows, AnotherWidthDropsTheRow)
     rig.pass({narrow}, {10});
     EXPECT_EQ(rig.pass({wide}, {20})->GetTime(), Times{20});
     EXPECT_EQ(rig.pass({wide}, {30})->GetString(), bytes({128, 128, 128}));
-}
-
-TEST(WaterfallRows, ListsThatAreTooShort)
-{
-    LevelRig rig;
-    rig.addLine({0});
-    EXPECT_THROW(rig.pass({0, 0}, {1}), std::out_of_range);
 }
 
 } // namespace
