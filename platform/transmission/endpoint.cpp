@@ -83,7 +83,10 @@ bool isLoopback(const QByteArray &address)
     if (!address.startsWith(kTcp))
         return true; // ipc and inproc never leave the machine
     const QByteArray host = hostOf(address);
-    return host.startsWith("127.") || host == "localhost" || host == "[::1]" || host == "lo";
+    in_addr number{}; // a name such as 127.0.0.1.example.org is no number
+    const bool loopNet =
+        inet_pton(AF_INET, host.constData(), &number) == 1 && ntohl(number.s_addr) >> 24 == 127;
+    return loopNet || host == "localhost" || host == "[::1]" || host == "lo";
 }
 
 } // namespace sbs::endpoint

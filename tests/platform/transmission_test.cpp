@@ -206,7 +206,8 @@ TEST(Transmission, BadEndpointsAndBusyPortsAreToldInASentence)
     EXPECT_FALSE(everywhere->getEndpoint().contains("0.0.0.0"));
     EXPECT_FALSE(everywhere->getEndpoint().endsWith(":*"));
     EXPECT_TRUE(sbs::Server::isLoopback(server->getEndpoint()));
-    EXPECT_FALSE(sbs::Server::isLoopback("tcp://*:*"));
+    for (const char *far : {"tcp://*:*", "tcp://127.0.0.1.example.org:5", "tcp://128.0.0.1:5"})
+        EXPECT_FALSE(sbs::Server::isLoopback(far)) << far;
     Consumer consumer(everywhere->getEndpoint());
     EXPECT_TRUE(consumer.waitForReady());
 }
