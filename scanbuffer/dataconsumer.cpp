@@ -8,27 +8,38 @@
 
 #include <exception>
 
+namespace {
+
+/// Nothing may pass through a slot into the event loop.
+template <typename Handler>
+void guarded(Adapter_Type type, Handler handle)
+{
+    try {
+        handle();
+    } catch (const std::exception &error) {
+        SPECTREE_TRACE(TraceWarnings, QStringLiteral("A consumer of \"%1\" refused what came: %2")
+                                          .arg(QString::fromUtf8(sbs::adapterName(type)),
+                                               QString::fromUtf8(error.what())));
+    }
+}
+
+} // namespace
+
 DataConsumerQObject::DataConsumerQObject(DataConsumer &consumer) : m_consumer(consumer) {}
 DataConsumerQObject::~DataConsumerQObject() = default;
 
 void DataConsumerQObject::onDataReceived(QByteArray data)
 {
-    try {
+    guarded(m_consumer.m_type, [&] {
         if (const auto message = MData::FromBinary(data.constData(), data.size()))
             m_consumer.handleData(*message);
-        else
-            SPECTREE_TRACE(TraceWarnings,
-                           QStringLiteral("A consumer of \"%1\" dropped a malformed message")
-                               .arg(QString::fromUtf8(sbs::adapterName(m_consumer.m_type))));
-    } catch (const std::exception &error) {
-        SPECTREE_TRACE(TraceWarnings,
-                       QStringLiteral("A consumer of \"%1\" dropped a message: %2")
-                           .arg(QString::fromUtf8(sbs::adapterName(m_consumer.m_type)),
-                                QString::fromUtf8(error.what())));
-    }
+    });
 }
 
-void DataConsumerQObject::onAdapterReady() { m_consumer.handleAdapterReady(); }
+void DataConsumerQObject::onAdapterReady()
+{
+    guarded(m_consumer.m_type, [this] { m_consumer.handleAdapterReady(); });
+}
 
 DataConsumer::DataConsumer(Adapter_Type type)
     : m_type(type), m_qobject(std::make_unique<DataConsumerQObject>(*this))

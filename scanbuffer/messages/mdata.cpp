@@ -110,7 +110,11 @@ std::uint32_t MData::GetBinarySize() const { return std::uint32_t(payloadSize() 
 std::unique_ptr<MData> MData::FromBinary(const char *data, Kelm::Long length)
 {
     const Kelm::ReadScope scope(data, length > 0 ? std::size_t(std::int32_t(length)) : 0);
-    return parse(&data);
+    auto message = parse(&data);
+    // A marker result with a sample may begin with the byte of the terminator.
+    if (message != nullptr && message->GetType() == MDT_XMarkerResult && Kelm::bytesLeft(data) != 0)
+        return refuse(2);
+    return message;
 }
 
 std::unique_ptr<MData> MData::parse(const char **cursor)

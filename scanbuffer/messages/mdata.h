@@ -27,8 +27,8 @@ public:
     virtual std::uint32_t GetBinarySize() const;
 
     /// Parses one message; what stands behind its terminator is left alone. A malformed or short
-    /// message, and a type that nobody sends, is traced and gives null. Reads no byte past
-    /// \a length and takes no memory that the bytes don't stand for.
+    /// message, a type that nobody sends and a marker result that carries a sample are traced and
+    /// give null. Reads no byte past \a length and takes no memory that the bytes don't stand for.
     /// \throws KRException "RangeCheck failed for Enum" for a type of MDT_Count or more
     static std::unique_ptr<MData> FromBinary(const char *data, Kelm::Long length);
 

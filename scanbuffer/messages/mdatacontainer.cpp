@@ -38,7 +38,9 @@ std::unique_ptr<MData> MDataContainer::getMData(short index) const
     const std::size_t start = m_starts[std::size_t(index)];
     if (start == kBroken)
         return nullptr;
-    return FromBinary(m_payload.constData() + start, std::int32_t(m_payload.size() - int(start)));
+    const Kelm::ReadScope scope(m_payload.constData(), std::size_t(m_payload.size()));
+    const char *cursor = m_payload.constData() + start;
+    return parse(&cursor); // FromBinary would look at the messages behind it, too
 }
 
 void MDataContainer::analyse() const

@@ -21,9 +21,9 @@ const std::string &pack(const char *data, std::size_t size)
     return buffer;
 }
 
-bool unpack(const char *data, std::size_t size, std::string &plain, std::size_t limit)
+bool unpack(const char *data, std::size_t size, std::string &plain)
 {
-    limit = std::min({limit, mostContent(size), Kelm::kMaxUnpackedBytes});
+    const std::size_t limit = std::min(mostContent(size), Kelm::kMaxUnpackedBytes);
     if (Kelm::zstdDecompress(data, size, plain, limit))
         return true;
     SPECTREE_TRACE(TraceWarnings, QStringLiteral("The payload of a MData Object doesn't unpack"));

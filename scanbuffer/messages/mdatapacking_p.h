@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <limits>
 #include <string>
 
 /// The zstd packing that message payloads share.
@@ -10,8 +9,7 @@ namespace MDataPacking {
 /// The frame of \a data in a buffer that the thread keeps for the next call.
 const std::string &pack(const char *data, std::size_t size);
 /// Replaces \a plain by the content of a frame. Traces and returns false, with \a plain untouched,
-/// when it is malformed or declares more than \a limit, or more than its bytes can stand for.
-bool unpack(const char *data, std::size_t size, std::string &plain,
-            std::size_t limit = std::numeric_limits<std::size_t>::max());
+/// when it is malformed or declares more than its bytes can stand for.
+bool unpack(const char *data, std::size_t size, std::string &plain);
 
 } // namespace MDataPacking

@@ -56,9 +56,8 @@ const std::string &MDataWaterfall::GetString() const
     static const std::string nothing;
     if (m_head.compression == 0)
         return m_data;
-    const std::size_t limit = std::size_t(m_head.width) * m_head.lineCnt;
     std::string plain;
-    if (!MDataPacking::unpack(m_data.data(), m_data.size(), plain, limit))
+    if (!MDataPacking::unpack(m_data.data(), m_data.size(), plain))
         return nothing;
     m_data = std::move(plain);
     m_head.compression = 0;

@@ -33,7 +33,8 @@ public:
     void assign(const char *pixels, std::size_t size, const Head &head);
 
     /// The plain bytes, row by row; unpacks in place at the first call and sets CompressionLevel to
-    /// 0. Bytes that don't unpack, or to more than all rows hold, are traced and read as empty.
+    /// 0. Bytes that don't unpack are traced and read as empty. Nothing says that they are as many
+    /// as the rows hold.
     const std::string &GetString() const;
     const std::vector<KRTimeStamp> &GetTime() const { return m_head.times; }
     /// The first entry of GetTime, 0 without one.

@@ -40,7 +40,12 @@ protected:
         if (m_throws)
             throw KRException(QStringLiteral("no"), __FILE__, "Probe", "handleData", __LINE__);
     }
-    void handleAdapterReady() override { ++m_ready; }
+    void handleAdapterReady() override
+    {
+        ++m_ready;
+        if (m_throws)
+            throw std::runtime_error("no");
+    }
 };
 
 /// A server whose one kind is "Curve", with the bytes that the test gives it.
@@ -63,9 +68,9 @@ TEST(DataConsumer, HandsOnWhatParsesAndDropsTheRest)
     sbs::ConsumerGroup group(server.getEndpoint(), QStringLiteral("w"));
     Probe probe(AdapterType_Curve);
     probe.sendCommandOverConnector("dropped: no group yet");
+    probe.m_throws = true;
     probe.registerAtGroup(group);
     ASSERT_TRUE(waitFor([&] { return probe.m_ready == 1; }));
-    probe.m_throws = true;
     probe.sendCommandOverConnector(kIdMessage); // comes back as state
     ASSERT_TRUE(waitFor([&] { return probe.m_types.size() == 1; }));
     windows.createOrGet(QStringLiteral("w"))->withAdapters([](sbs::Adapter &adapter) {

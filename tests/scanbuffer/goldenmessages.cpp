@@ -16,40 +16,13 @@ std::shared_ptr<MData> value(T fields)
     return std::make_shared<MYData<T>>(fields, MDT_None);
 }
 
-Bearing bearing()
-{
-    Bearing sample;
-    sample.dt = 1;
-    sample.D = -2;
-    sample.level = 4321;
-    sample.azimuth = 35999;
-    sample.elevation = -100;
-    sample.quality = 99;
-    return sample;
-}
-
-BearingExtended bearingExtended()
-{
-    BearingExtended sample;
-    static_cast<Bearing &>(sample) = bearing();
-    sample.validity = BearingExtended::Validity::blank;
-    sample.shortTimeLevel = 1000;
-    return sample;
-}
+constexpr Bearing kBearing{1, -2, 4321, 35999, -100, 99};
 
 Pulse pulse()
 {
     Pulse sample(100, 200, 3, 0, 0);
     sample.pulseLevelMin = -50;
     sample.pulseCount = 513;
-    return sample;
-}
-
-MinMax minMax()
-{
-    MinMax sample;
-    sample.min = -300;
-    sample.max = 450;
     return sample;
 }
 
@@ -105,53 +78,7 @@ ChannelRangeDefinition ranges()
 
 MDataWaterfall::Head waterfallHead(std::uint16_t compression)
 {
-    MDataWaterfall::Head head;
-    head.width = 3;
-    head.lineCnt = 2;
-    head.youngestID = 9;
-    head.compression = compression;
-    head.packetId = 1000;
-    head.useForCurve = true;
-    head.times = {20, 10};
-    return head;
-}
-
-MDataAzimuth::Head azimuthHead()
-{
-    MDataAzimuth::Head head;
-    head.bytesPerLine = 3;
-    head.youngest = 20;
-    head.width = 3;
-    head.height = 1;
-    head.quality = 50;
-    return head;
-}
-
-MDataWaterfallArea::Area area()
-{
-    MDataWaterfallArea::Area area;
-    area.xStart = 1;
-    area.xStop = 2;
-    area.tMax = 20;
-    area.tMin = 10;
-    area.scans = 100;
-    area.width = 800;
-    return area;
-}
-
-MDataStaticHistogramWanted::Wanted wanted()
-{
-    MDataStaticHistogramWanted::Wanted wanted;
-    wanted.id = 5;
-    wanted.x1 = 1;
-    wanted.x2 = 2;
-    wanted.t1 = 10;
-    wanted.t2 = 20;
-    wanted.xTile = 3;
-    wanted.y1 = -1;
-    wanted.y2 = 1;
-    wanted.yTile = 4;
-    return wanted;
+    return {3, 2, 9, compression, 1000, true, {20, 10}};
 }
 
 std::shared_ptr<MData> container()
@@ -186,9 +113,10 @@ std::vector<GoldenMessage> makeMessages()
     add("float", value(1.0F), fromHex("0000803f"), {59, 60});
     add("double", value(1.0), fromHex(one), {1, 9, 11, 37, 45, 61});
     add("unsigned 64", value<std::uint64_t>(0x0102030405060708), fromHex("0807060504030201"), {13});
-    add("bearing", value(bearing()), fromHex("01000000 feffffff e110 9f8c 9cff 6300"), {62});
-    add("minmax", value(minMax()), fromHex("d4fe c201"), {63, 64});
-    add("bearing extended", value(bearingExtended()),
+    add("bearing", value(kBearing), fromHex("01000000 feffffff e110 9f8c 9cff 6300"), {62});
+    add("minmax", value(MinMax(-300, 450)), fromHex("d4fe c201"), {63, 64});
+    add("bearing extended",
+        value(BearingExtended{kBearing, BearingExtended::Validity::blank, 1000}),
         fromHex("01000000 feffffff e110 9f8c 9cff 6300 02 e803"), {65});
     add("pulse", value(pulse()), fromHex("6400 c800 ceff 0102 03"), {66});
     add("df sample", value(dfSample()), fromHex("01 0100 0200 0300 0400 0500 0600 00"), {75});
@@ -227,13 +155,15 @@ std::vector<GoldenMessage> makeMessages()
         fromHex("27000000 00 00000001 00000000 00000001 00000002 4197d78400000000"
                 "40d86a0000000000 00000002 0041  07000000"),
         {5});
-    add("azimuth", make<MDataAzimuth>("abc", azimuthHead()),
+    add("azimuth", make<MDataAzimuth>("abc", MDataAzimuth::Head{3, 20, 3, 1, 50}),
         fromHex(std::string("03000000 1400000000000000 03000000 01000000 32 0c000000") + kFrame3 +
                 "616263"),
         {8});
-    add("area", make<MDataWaterfallArea>(area()),
+    add("area", make<MDataWaterfallArea>(MDataWaterfallArea::Area{1, 2, 20, 10, 100, 800}),
         fromHex(one + two + "1400000000000000 0a00000000000000 64000000 20030000"), {29});
-    add("histogram", make<MDataStaticHistogramWanted>(wanted()),
+    add("histogram",
+        make<MDataStaticHistogramWanted>(
+            MDataStaticHistogramWanted::Wanted{5, 1, 2, 10, 20, 3, -1, 1, 4}),
         fromHex("0500" + one + two + "0a00000000000000 1400000000000000 0300" + "000000000000f0bf" +
                 one + "0400"),
         {23});
