@@ -21,6 +21,7 @@ void forgetAppThread() { appThread.store(nullptr, std::memory_order_relaxed); }
 void noteAppThread()
 {
     appThread.store(&threadMark, std::memory_order_relaxed);
+    Kelm::setUnloading(false);
     qAddPostRoutine(forgetAppThread);
 }
 Q_COREAPP_STARTUP_FUNCTION(noteAppThread)

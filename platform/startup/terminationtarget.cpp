@@ -1,5 +1,6 @@
 #include "platform/startup/terminationtarget.h"
 
+#include "platform/base/kelmos.h"
 #include "platform/base/sync.h"
 
 #include <QCoreApplication>
@@ -36,6 +37,7 @@ void terminateAll()
 {
     while (IAbstractTerminationTarget *target = takeNewest())
         target->aboutToTerminate();
+    Kelm::setUnloading(true);
 }
 
 void watchApplication() { qAddPostRoutine(terminateAll); }

@@ -6,6 +6,7 @@
 ///
 /// A target registers itself by living; aboutToTerminate is called once, at the latest when the
 /// QCoreApplication is destroyed, the newest target first. Targets may go away during the call.
+/// Behind the last of them Kelm::isUnloading() is true, until there is an application object again.
 class SPECTREE_EXPORT IAbstractTerminationTarget {
 public:
     IAbstractTerminationTarget();
