@@ -33,6 +33,10 @@ public:
     FastValueMap() = default;
     explicit FastValueMap(QString name, TValueState state = VS_NORMAL);
     ~FastValueMap() override;
+    /// A scan buffer is served under one name and stops once, so that no two maps can have it; a
+    /// second map takes over what it can with Assign.
+    FastValueMap(const FastValueMap &) = delete;
+    FastValueMap &operator=(const FastValueMap &) = delete;
 
     ValueType GetType() const override;
     QString GetTypeName() const override;
@@ -57,6 +61,8 @@ public:
     void EndOfScan() override;
     void EndOfScan(const KRTimeStamp &time) override;
     void SetTimeStamp(const KRTimeStamp &time) override;
+    /// With a scan buffer a recorded change of the data notifies CC_FAST_MAP, and CC_MAPPING only
+    /// when both coexist.
     void HasChanged(TChangeCode code, IObserver *source) override;
     void Update(Observable *subject, TChangeCode code) override;
     using ValueMap<Y, YHandler>::GetWidth4Interpolation;
@@ -74,10 +80,16 @@ public:
     void SetFastValueMapAndScanBufferCoexist(bool coexist) { m_coexist = coexist; }
 
     // Flags of the scan buffer; without one they do nothing.
-    void setAvoidSettingMaxValueDuringScan(bool avoid);
-    void setClearScanData(bool clearData);
-    void setKeepNoOverwriteWFLines(bool keep);
-    void setKeepScanDataAfterEndOfScan(bool keep);
+    void setAvoidSettingMaxValueDuringScan(bool avoid)
+    {
+        setFlag(&Buffer::setAvoidSettingMaxValueDuringScan, avoid);
+    }
+    void setClearScanData(bool clearData) { setFlag(&Buffer::setClearScanData, clearData); }
+    void setKeepNoOverwriteWFLines(bool keep) { setFlag(&Buffer::setKeepNoOverwriteWFLines, keep); }
+    void setKeepScanDataAfterEndOfScan(bool keep)
+    {
+        setFlag(&Buffer::setKeepScanDataAfterEndOfScan, keep);
+    }
 
     /// Ends the data source; the scan buffer stays.
     void aboutToTerminate() override;
@@ -104,12 +116,18 @@ private:
     void passOn(std::span<const Piece> pieces);
     double frequencyOf(std::uint32_t index) const;
     void endScan(KRTimeStamp time);
+    void noteRecordedChange(IObserver *source);
     bool storesInBufferOnly() const { return m_buffer != nullptr && !m_coexist; }
     void addGridString(std::string &out, unsigned int mode);
+    void setFlag(void (Buffer::*set)(bool), bool on)
+    {
+        if (m_buffer != nullptr)
+            (m_buffer.get()->*set)(on);
+    }
 
     ChannelRangeDefinition m_definition;
-    std::unique_ptr<Buffer> m_buffer;
-    std::vector<Piece> m_pieces; // reused
+    std::shared_ptr<Buffer> m_buffer; // this map's alone
+    std::vector<Piece> m_pieces;      // reused
     bool m_coexist = false;
 };
 

@@ -234,16 +234,16 @@ void FastValueMap<Y, YHandler>::endScan(KRTimeStamp time)
         return this->PostChange([this, time] { endScan(time); });
     if (this->m_channelMapping != nullptr)
         this->m_channelMapping->EndOfScan(time);
-    if (m_buffer != nullptr) {
-        if (this->IsCommandRecording())
-            this->AddCommand(new CommandEndOfScan(this, nullptr, time));
-        if (time != 0)
-            m_buffer->endOfScan(time);
-        else
-            m_buffer->endOfScan();
-    }
+    if (m_buffer == nullptr)
+        return this->finishScan(0);
+    if (storesInBufferOnly() && this->IsCommandRecording())
+        this->AddCommand(new CommandEndOfScan(this, nullptr, time));
+    if (time != 0)
+        m_buffer->endOfScan(time);
+    else
+        m_buffer->endOfScan();
     if (!storesInBufferOnly())
-        ValueMap<Y, YHandler>::EndOfScan();
+        this->finishScan(time);
 }
 
 template <typename Y, typename YHandler>
@@ -265,14 +265,33 @@ void FastValueMap<Y, YHandler>::HasChanged(TChangeCode code, IObserver *source)
 {
     if (this->IsChangeForeign())
         return this->PostChange([this, code, source] { HasChanged(code, source); });
-    // Asked before anybody is told: an observer may destroy this value.
     const bool bufferOnly = storesInBufferOnly();
-    if (m_buffer != nullptr && code == CC_MAPPING && this->IsCommandRecording()) {
-        this->AddCommand(new ValueBase::CommandHasChanged(this, code, source));
-        this->NotifyObservers(CC_FAST_MAP, source);
-    }
-    if (!bufferOnly)
+    const bool records = bufferOnly ? this->Record() : this->IsCommandRecording();
+    if (m_buffer != nullptr && code == CC_MAPPING && records)
+        noteRecordedChange(source);
+    else if (!bufferOnly)
         ValueMap<Y, YHandler>::HasChanged(code, source);
+}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void FastValueMap<Y, YHandler>::noteRecordedChange(IObserver *source)
+{
+    using Change = ValueBase::CommandHasChanged;
+    const std::weak_ptr<Buffer> living = m_buffer;
+    const bool bufferOnly = storesInBufferOnly();
+    if (!bufferOnly)
+        this->stampChange(CC_MAPPING);
+    if (this->IsCommandRecording())
+        this->AddCommand(new Change(this, CC_MAPPING, source));
+    this->NotifyObservers(CC_FAST_MAP, source);
+    if (bufferOnly || living.expired()) // an observer may have destroyed this value
+        return;
+    // As in ValueBase::HasChanged, but for the recording that has the change already.
+    if (this->IsCommandRecordingForTransmission())
+        this->AddCommandForTransmission(new Change(this, CC_MAPPING, source));
+    this->ResumeNotifyObservers();
+    this->NotifyObservers(CC_MAPPING, source);
 }
 
 template <typename Y, typename YHandler>
@@ -339,38 +358,6 @@ void FastValueMap<Y, YHandler>::SetRealTimeBufferName(std::string name)
 
 template <typename Y, typename YHandler>
 requires SampleHandler<YHandler, Y>
-void FastValueMap<Y, YHandler>::setAvoidSettingMaxValueDuringScan(bool avoid)
-{
-    if (m_buffer != nullptr)
-        m_buffer->setAvoidSettingMaxValueDuringScan(avoid);
-}
-
-template <typename Y, typename YHandler>
-requires SampleHandler<YHandler, Y>
-void FastValueMap<Y, YHandler>::setClearScanData(bool clearData)
-{
-    if (m_buffer != nullptr)
-        m_buffer->setClearScanData(clearData);
-}
-
-template <typename Y, typename YHandler>
-requires SampleHandler<YHandler, Y>
-void FastValueMap<Y, YHandler>::setKeepNoOverwriteWFLines(bool keep)
-{
-    if (m_buffer != nullptr)
-        m_buffer->setKeepNoOverwriteWFLines(keep);
-}
-
-template <typename Y, typename YHandler>
-requires SampleHandler<YHandler, Y>
-void FastValueMap<Y, YHandler>::setKeepScanDataAfterEndOfScan(bool keep)
-{
-    if (m_buffer != nullptr)
-        m_buffer->setKeepScanDataAfterEndOfScan(keep);
-}
-
-template <typename Y, typename YHandler>
-requires SampleHandler<YHandler, Y>
 void FastValueMap<Y, YHandler>::aboutToTerminate()
 {
     if (m_buffer != nullptr)
@@ -401,7 +388,7 @@ template <typename Y, typename YHandler>
 requires SampleHandler<YHandler, Y>
 void FastValueMap<Y, YHandler>::AddObjectStateStringForRecording(std::string &out)
 {
-    ValueMap<Y, YHandler>::AddObjectStateStringForTransmission(out, ModeRecording);
+    ValueMap<Y, YHandler>::AddObjectStateStringForRecording(out);
     addGridString(out, ModeRecording);
 }
 

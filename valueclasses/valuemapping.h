@@ -12,12 +12,14 @@ namespace values {
 /// operations; each is recorded for the two command lists, where they are on. x is a double on the
 /// spectrum's axis, as a rule a frequency in Hz.
 ///
-/// Threads: the thread that owns the tree. With both recordings off an operation allocates nothing.
+/// Threads: the thread that owns the tree; a recorded change on another thread is posted there.
+/// With both recordings off an operation allocates nothing.
 template <typename Y, typename YHandler>
 requires SampleHandler<YHandler, Y>
 class SPECTREE_EXPORT ValueMap : public MappingBaseMultiDimension<Y, YHandler>, public IObserver {
 public:
     using MappingBase::EndOfScan;
+    using MappingBase::SetCommandString;
     using MappingBaseMultiDimension<Y, YHandler>::GetWidth4Interpolation;
 
     ValueMap() = default;
@@ -46,7 +48,7 @@ public:
     void SetScanPerSecond(const double &rate) override;
     void SetWidth4Interpolation(double width) override;
     void SetXCycleScaleSize(double size) override { this->m_xCycleScaleSize = size; }
-    /// Process-wide; sent on, so that a receiving process switches along.
+    /// Process-wide; sent on, so that a receiving process switches along at this place.
     void SetDataCompressMode(char mode) override;
     void CreateTimeStampOnHasChanged(bool create) override { m_createTimeStamp = create; }
     /// From now on each end of scan with a time stamp computes the scan rate afresh.
@@ -57,19 +59,32 @@ public:
     void HasChanged(TChangeCode code, IObserver *source) override;
     /// Recordings are always uncompressed.
     std::string GetCommandStringForRecording(unsigned int mode) override;
+    /// Samples in front of a change of the data compress mode are written in the mode before it.
+    std::string GetCommandStringForTransmission(unsigned int mode) override;
+    /// A data compress mode that the string sets holds for the samples behind it.
+    void SetCommandString(const std::string &commands,
+                          std::vector<std::unique_ptr<KELM::ICommand>> &out, IObserver *source,
+                          int mode) override;
     void Update(Observable *subject, TChangeCode code) override;
 
 protected:
     void AddObjectStateStringForTransmission(std::string &out, unsigned int mode) override;
+    void AddObjectStateStringForRecording(std::string &out) override;
     Command *CreateNextCommand(int id, const char **pos, IObserver *source, int mode) override;
 
     bool createsTimeStamp() const { return m_createTimeStamp; }
-    void recalcScanRate();
+    /// Makes a time stamp for a change of the data, where that was asked for.
+    void stampChange(TChangeCode code);
+    /// Ends a scan; only this process' own recording tells the time.
+    void finishScan(KRTimeStamp recordedTime);
     /// Gives one command of its own to each list that records.
     template <typename NewCommand, typename... Arguments>
     void recordForBoth(const Arguments &...arguments);
 
 private:
+    void recalcScanRate();
+    void addStateString(std::string &out, unsigned int mode, char compressMode);
+
     bool m_createTimeStamp = false;
     std::optional<ScanPerSecond> m_scanRate;
 };

@@ -5,7 +5,25 @@
 #include "valueclasses/mapping/samplecommands.h"
 #include "valueclasses/valuemapping.h"
 
+#include <algorithm>
+
 namespace values {
+
+namespace Detail {
+
+/// Puts the process-wide data compress mode back.
+class CompressModeScope {
+public:
+    CompressModeScope() = default;
+    ~CompressModeScope() { HandlerBase::SetDataCompressMode(m_former); }
+    CompressModeScope(const CompressModeScope &) = delete;
+    CompressModeScope &operator=(const CompressModeScope &) = delete;
+
+private:
+    const char m_former = HandlerBase::GetDataCompressMode();
+};
+
+} // namespace Detail
 
 template <typename Y, typename YHandler>
 requires SampleHandler<YHandler, Y> ValueMap<Y, YHandler>::ValueMap(QString name, TValueState state)
@@ -35,10 +53,14 @@ requires SampleHandler<YHandler, Y>
 template <typename NewCommand, typename... Arguments>
 void ValueMap<Y, YHandler>::recordForBoth(const Arguments &...arguments)
 {
-    if (this->IsCommandRecording())
-        this->AddCommand(new NewCommand(this, nullptr, arguments...));
-    if (this->IsCommandRecordingForTransmission())
-        this->AddCommandForTransmission(new NewCommand(this, nullptr, arguments...));
+    if (!this->Record())
+        return;
+    auto command = std::make_unique<NewCommand>(this, nullptr, arguments...);
+    if (!this->IsChangeForeign())
+        return this->RecordCommand(command.release());
+    this->PostChange([this, posted = std::shared_ptr<Command>(std::move(command))] {
+        this->RecordCommand(posted->Clone());
+    });
 }
 
 template <typename Y, typename YHandler>
@@ -106,10 +128,19 @@ void ValueMap<Y, YHandler>::recalcScanRate()
 
 template <typename Y, typename YHandler>
 requires SampleHandler<YHandler, Y>
-void ValueMap<Y, YHandler>::EndOfScan()
+void ValueMap<Y, YHandler>::EndOfScan() { finishScan(0); }
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::finishScan(KRTimeStamp recordedTime)
 {
+    if (this->IsChangeForeign())
+        return this->PostChange([this, recordedTime] { finishScan(recordedTime); });
     recalcScanRate();
-    recordForBoth<CommandEndOfScan>(KRTimeStamp(0));
+    if (this->IsCommandRecording())
+        this->AddCommand(new CommandEndOfScan(this, nullptr, recordedTime));
+    if (this->IsCommandRecordingForTransmission())
+        this->AddCommandForTransmission(new CommandEndOfScan(this, nullptr, 0));
     this->NotifyObservers(CC_END_OF_SCAN, this);
 }
 
@@ -129,6 +160,8 @@ template <typename Y, typename YHandler>
 requires SampleHandler<YHandler, Y>
 void ValueMap<Y, YHandler>::SetTimeStamp(const KRTimeStamp &time)
 {
+    if (this->IsChangeForeign())
+        return this->PostChange([this, time] { SetTimeStamp(time); });
     this->m_timeStamp = time;
     recordForBoth<CommandSetTimeStamp>(time);
 }
@@ -137,6 +170,8 @@ template <typename Y, typename YHandler>
 requires SampleHandler<YHandler, Y>
 void ValueMap<Y, YHandler>::SetScanPerSecond(const double &rate)
 {
+    if (this->IsChangeForeign())
+        return this->PostChange([this, rate] { SetScanPerSecond(rate); });
     this->m_scanPerSecond = rate;
     recordForBoth<CommandSetScanPerSecond>(rate);
 }
@@ -145,6 +180,8 @@ template <typename Y, typename YHandler>
 requires SampleHandler<YHandler, Y>
 void ValueMap<Y, YHandler>::SetWidth4Interpolation(double width)
 {
+    if (this->IsChangeForeign())
+        return this->PostChange([this, width] { SetWidth4Interpolation(width); });
     this->m_width4Interpolation = width;
     recordForBoth<CommandSetWidth4Interpolation>(width);
 }
@@ -153,10 +190,13 @@ template <typename Y, typename YHandler>
 requires SampleHandler<YHandler, Y>
 void ValueMap<Y, YHandler>::SetDataCompressMode(char mode)
 {
-    HandlerBase::SetDataCompressMode(mode);
+    if (this->IsChangeForeign())
+        return this->PostChange([this, mode] { SetDataCompressMode(mode); });
+    // First, since it remembers the mode that it ends.
     if (this->IsCommandRecordingForTransmission())
         this->AddCommandForTransmission(
             new CommandSetDataCompressMode<Y, YHandler>(this, nullptr, mode));
+    HandlerBase::SetDataCompressMode(mode);
 }
 
 template <typename Y, typename YHandler>
@@ -176,21 +216,59 @@ template <typename Y, typename YHandler>
 requires SampleHandler<YHandler, Y>
 void ValueMap<Y, YHandler>::HasChanged(TChangeCode code, IObserver *source)
 {
+    stampChange(code);
+    ValueBase::HasChanged(code, source);
+}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::stampChange(TChangeCode code)
+{
     if (code == CC_MAPPING && m_createTimeStamp)
         this->SetTimeStamp(KelmOS::Get().GetCurrentTime());
-    ValueBase::HasChanged(code, source);
 }
 
 template <typename Y, typename YHandler>
 requires SampleHandler<YHandler, Y> std::string
 ValueMap<Y, YHandler>::GetCommandStringForRecording(unsigned int mode)
 {
-    struct Restore {
-        char compressMode = HandlerBase::GetDataCompressMode();
-        ~Restore() { HandlerBase::SetDataCompressMode(compressMode); }
-    } const restore;
+    const Detail::CompressModeScope scope;
     HandlerBase::SetDataCompressMode(DataRaw);
     return ValueBase::GetCommandStringForRecording(mode);
+}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y> std::string
+ValueMap<Y, YHandler>::GetCommandStringForTransmission(unsigned int mode)
+{
+    using SetMode = CommandSetDataCompressMode<Y, YHandler>;
+    const auto asSetMode = [](const auto &command) {
+        return command->GetCommandId() == SetMode::kId ? static_cast<const SetMode *>(command.get())
+                                                       : nullptr;
+    };
+    const CommandList &commands = this->GetCommandListForTransmission();
+    const auto first = std::find_if(commands.begin(), commands.end(), asSetMode);
+    if (first == commands.end())
+        return ValueBase::GetCommandStringForTransmission(mode);
+    const Detail::CompressModeScope scope;
+    HandlerBase::SetDataCompressMode(asSetMode(*first)->GetFormerMode());
+    std::string all;
+    for (const auto &command : commands) {
+        command->AddCommandString(all, int(mode));
+        if (const SetMode *change = asSetMode(command))
+            HandlerBase::SetDataCompressMode(change->GetCompressMode());
+    }
+    return all;
+}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::SetCommandString(const std::string &commands,
+                                             std::vector<std::unique_ptr<KELM::ICommand>> &out,
+                                             IObserver *source, int mode)
+{
+    const Detail::CompressModeScope scope;
+    ValueBase::SetCommandString(commands, out, source, mode);
 }
 
 template <typename Y, typename YHandler>
@@ -201,8 +279,22 @@ template <typename Y, typename YHandler>
 requires SampleHandler<YHandler, Y>
 void ValueMap<Y, YHandler>::AddObjectStateStringForTransmission(std::string &out, unsigned int mode)
 {
+    addStateString(out, mode, HandlerBase::GetDataCompressMode());
+}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::AddObjectStateStringForRecording(std::string &out)
+{
+    addStateString(out, ModeRecording, DataRaw);
+}
+
+template <typename Y, typename YHandler>
+requires SampleHandler<YHandler, Y>
+void ValueMap<Y, YHandler>::addStateString(std::string &out, unsigned int mode, char compressMode)
+{
     ValueBase::AddObjectStateStringForTransmission(out, mode);
-    CommandSetDataCompressMode<Y, YHandler>(this, nullptr, HandlerBase::GetDataCompressMode())
+    CommandSetDataCompressMode<Y, YHandler>(this, nullptr, compressMode)
         .AddCommandString(out, int(mode));
     CommandSetWidth4Interpolation(this, nullptr, this->m_width4Interpolation)
         .AddCommandString(out, int(mode));
@@ -222,8 +314,11 @@ ValueMap<Y, YHandler>::CreateNextCommand(int id, const char **pos, IObserver *so
     case 31:
     case CommandSetXYValues2<Y, YHandler>::kId:
         return new CommandSetXYValues2<Y, YHandler>(id, this, pos, source);
-    case CommandSetDataCompressMode<Y, YHandler>::kId:
-        return new CommandSetDataCompressMode<Y, YHandler>(id, this, pos, source);
+    case CommandSetDataCompressMode<Y, YHandler>::kId: {
+        auto *command = new CommandSetDataCompressMode<Y, YHandler>(id, this, pos, source);
+        HandlerBase::SetDataCompressMode(command->GetCompressMode()); // until the parse ends
+        return command;
+    }
     default:
         if (isMappingCommand(id))
             return createMappingCommand(id, this, pos, source);

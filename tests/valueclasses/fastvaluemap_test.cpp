@@ -8,7 +8,11 @@
 #include "valueclasses/samplegoldens.h"
 #include "valueclasses/testvalue.h"
 
+#include <QCoreApplication>
 #include <gmock/gmock.h>
+
+#include <set>
+#include <thread>
 
 namespace {
 
@@ -20,7 +24,10 @@ using ::testing::IsEmpty;
 
 /// What the buffer was told, call by call.
 std::vector<std::string> calls;
-std::string text(double number) { return std::to_string(std::int64_t(number)); }
+void call(const std::string &name, std::uint64_t number)
+{
+    calls.push_back(name + ' ' + std::to_string(number));
+}
 
 template <typename Y, typename YHandler>
 class FakeBuffer : public IRealTimeBuffer<Y, YHandler> {
@@ -38,16 +45,10 @@ public:
     std::string GetName() const override { return "tcp://here:1"; }
     void setChannelRangeDefinition(const ChannelRangeDefinition &definition) override
     {
-        calls.push_back("grid " + text(definition.GetChannelCount()));
+        call("grid", definition.GetChannelCount());
     }
-    void setMaximumSizeInBytes(std::uint64_t bytes) override
-    {
-        calls.push_back("size " + std::to_string(bytes));
-    }
-    void addTimeStamp(KRTimeStamp time) override
-    {
-        calls.push_back("time " + std::to_string(time));
-    }
+    void setMaximumSizeInBytes(std::uint64_t bytes) override { call("size", bytes); }
+    void addTimeStamp(KRTimeStamp time) override { call("time", time); }
     void addSpectralData(std::span<const SpectralDataPiece<Y>> pieces) override
     {
         std::string all = "data";
@@ -59,7 +60,7 @@ public:
         calls.push_back(all);
     }
     void endOfScan() override { calls.push_back("end"); }
-    void endOfScan(KRTimeStamp time) override { calls.push_back("end " + std::to_string(time)); }
+    void endOfScan(KRTimeStamp time) override { call("end", time); }
     void setKeepScanDataAfterEndOfScan(bool) override { calls.push_back("keep"); }
     void setClearScanData(bool) override { calls.push_back("clear"); }
     void setKeepNoOverwriteWFLines(bool) override { calls.push_back("keep lines"); }
@@ -103,13 +104,23 @@ protected:
     {
         return std::vector<Sample>(count, Golden<YHandler>::sample());
     }
-    static std::string recorded(const ValueBase &value)
+    /// Both lists, in mode 0.
+    using Lists = std::pair<std::string, std::string>;
+    Lists lists()
     {
-        return ValueBase::CreateCommandString(value.GetCommandList(), 0);
+        return {ValueBase::CreateCommandString(fast.GetCommandList(), 0),
+                fast.GetCommandStringForTransmission(0)};
     }
-    static std::string transmitted(const ValueBase &value)
+    Lists takeLists()
     {
-        return ValueBase::CreateCommandString(value.GetCommandListForTransmission(), 0);
+        const Lists both = lists();
+        fast.NotifyObservers(CC_NONE, nullptr);
+        return both;
+    }
+    void record()
+    {
+        fast.CommandRecordingOn();
+        fast.CommandRecordingOnForTransmission();
     }
 
     Map fast;
@@ -118,18 +129,15 @@ protected:
 using AllPairs = SamplePairList<::testing::Types>;
 TYPED_TEST_SUITE(FastValueMapTest, AllPairs, SamplePairNames);
 
-std::string le32(std::uint32_t number)
+template <typename Number>
+std::string le(Number number)
 {
     std::string out;
     Kelm::appendLittleEndian(out, number);
     return out;
 }
-std::string le64(double number)
-{
-    std::string out;
-    Kelm::appendLittleEndian(out, number);
-    return out;
-}
+std::string le32(std::uint32_t number) { return le(number); }
+std::string le64(double number) { return le(number); }
 
 TYPED_TEST(FastValueMapTest, FeedsTheBufferWithOneCallAScan)
 {
@@ -186,49 +194,35 @@ TYPED_TEST(FastValueMapTest, CommandsHaveTheseBytesInBothCompressModes)
         HandlerBase::SetDataCompressMode(mode);
         const goldens::Bytes golden = Golden<Handler>::bytes();
         const std::string one = goldens::bytes(mode == DataRaw ? golden.raw : golden.compressed);
-        const std::string two = one + one;
-        struct Case {
-            int id;
-            std::unique_ptr<Command> command;
-            std::string payload;
-            int oldId;
-        } cases[] = {
-            {120, std::make_unique<CommandSetXYValue<Y, Handler>>(&map, nullptr, 1.0, samples[0]),
-             le64(1.0) + one, 20},
-            {123,
-             std::make_unique<CommandSetXYValues<Y, Handler>>(&map, nullptr, 1.0, 2.0, 2,
-                                                              samples.data()),
-             le64(1.0) + le64(2.0) + le32(2) + two, 23},
-            {131,
-             std::make_unique<CommandSetXYValues2<Y, Handler>>(&map, nullptr, 1.0, 2.0, 2,
-                                                               samples.data(), index),
-             le64(1.0) + le64(2.0) + le32(2) + two + "\x01\0\x02\x01"s, 31},
-            {39, std::make_unique<CommandSetDataCompressMode<Y, Handler>>(&map, nullptr, char(1)),
-             "\x01", 0},
-            {35,
-             std::make_unique<CommandSetChannelValues<Y, Handler>>(&map, nullptr, 10, 2,
-                                                                   samples.data()),
-             version + le32(10) + le32(2) + two, 0},
-        };
-        for (const Case &row : cases) {
-            SCOPED_TRACE(std::to_string(row.id) + " in compress mode " + std::to_string(mode));
-            const std::string bytes = std::to_string(row.id) + ';' + row.payload + ';';
+        const auto check = [&](const Command &command, int id, int oldId,
+                               const std::string &payload) {
+            SCOPED_TRACE(std::to_string(id) + " in compress mode " + std::to_string(mode));
+            const std::string bytes = std::to_string(id) + ';' + payload + ';';
             std::string written;
-            row.command->AddCommandString(written, 0);
+            command.AddCommandString(written, 0);
             EXPECT_EQ(written, bytes);
             std::vector<std::string> forms{bytes};
-            if (row.oldId != 0) // older forms have two more bytes
-                forms.push_back(std::to_string(row.oldId) + ';' + row.payload + "xx;");
+            if (oldId != 0) // older forms have two more bytes
+                forms.push_back(std::to_string(oldId) + ';' + payload + "xx;");
             for (const std::string &form : forms) {
                 std::vector<std::unique_ptr<KELM::ICommand>> parsed;
                 map.SetCommandString(form + "3;", parsed, nullptr, 0);
                 ASSERT_EQ(parsed.size(), 2U);
-                EXPECT_EQ(parsed[0]->GetCommandId(), row.id);
-                EXPECT_THROW(
-                    map.SetCommandString(form.substr(0, form.size() - 1), parsed, nullptr, 0),
-                    KRException);
+                EXPECT_EQ(parsed[0]->GetCommandId(), id);
+                const std::string open = form.substr(0, form.size() - 1);
+                EXPECT_THROW(map.SetCommandString(open, parsed, nullptr, 0), KRException);
             }
-        }
+        };
+        const Y *data = samples.data();
+        check(CommandSetXYValue<Y, Handler>(&map, nullptr, 1.0, *data), 120, 20, le64(1) + one);
+        const std::string two = le32(2) + one + one;
+        check(CommandSetXYValues<Y, Handler>(&map, nullptr, 1.0, 2.0, 2, data), 123, 23,
+              le64(1) + le64(2) + two);
+        check(CommandSetXYValues2<Y, Handler>(&map, nullptr, 1.0, 2.0, 2, data, index), 131, 31,
+              le64(1) + le64(2) + two + "\x01\0\x02\x01"s);
+        check(CommandSetDataCompressMode<Y, Handler>(&map, nullptr, char(1)), 39, 0, "\x01");
+        check(CommandSetChannelValues<Y, Handler>(&map, nullptr, 10, 2, data), 35, 0,
+              version + le32(10) + two);
     }
     std::vector<std::unique_ptr<KELM::ICommand>> parsed;
     EXPECT_THROW(map.SetCommandString("123;" + le64(1) + le64(2) + le32(0xFFFFFFFF) + ";", parsed,
@@ -245,24 +239,26 @@ TYPED_TEST(FastValueMapTest, RecordedScansRepeatInAnotherMap)
     auto &map = this->fast;
     this->giveGrid();
     map.CreateRealTimeBuffer();
-    map.CommandRecordingOn();
-    map.CommandRecordingOnForTransmission();
-    CodeLog log;
-    std::string scan;
-    log.then = [&](Observable *, TChangeCode) { scan = map.GetCommandStringForRecording(0); };
-    map.AddObserver(&log);
-    map.SetTimeStamp(5);
-    map.SetChannelValues(12, 3, this->samples(3).data());
-    map.EndOfScan(7);
-    map.HasChanged(CC_MAPPING, nullptr);
-    EXPECT_THAT(log.codes, ElementsAre(CC_FAST_MAP));
-
-    typename TestFixture::Map other;
-    other.SetChannelRangeDefinition(grid(), 0);
-    other.CreateRealTimeBuffer();
-    calls.clear();
-    other.SetCommandString(scan, nullptr, 0);
-    EXPECT_THAT(calls, ElementsAre("time 5", "data 2+2 4+1", "end 7"));
+    this->record();
+    for (const bool coexist : {false, true}) {
+        SCOPED_TRACE(coexist);
+        map.SetFastValueMapAndScanBufferCoexist(coexist);
+        std::string scan;
+        CodeLog log;
+        log.then = [&](Observable *, TChangeCode) { scan += map.GetCommandStringForRecording(0); };
+        map.AddObserver(&log);
+        map.SetTimeStamp(5);
+        map.SetChannelValues(12, 3, this->samples(3).data());
+        map.EndOfScan(7);
+        map.HasChanged(CC_MAPPING, nullptr);
+        map.DeleteObserver(&log);
+        typename TestFixture::Map other;
+        other.SetChannelRangeDefinition(grid(), 0);
+        other.CreateRealTimeBuffer();
+        calls.clear();
+        other.SetCommandString(scan, nullptr, 0);
+        EXPECT_THAT(calls, ElementsAre("time 5", "data 2+2 4+1", "end 7")) << "each once";
+    }
 }
 
 TYPED_TEST(FastValueMapTest, WithoutABufferSamplesGoTheWayOfAValueMap)
@@ -271,68 +267,76 @@ TYPED_TEST(FastValueMapTest, WithoutABufferSamplesGoTheWayOfAValueMap)
     auto &map = this->fast;
     this->giveGrid();
     map.CommandRecordingOnForTransmission();
-    CodeLog log;
-    map.AddObserver(&log);
-    map.SetChannelValues(12, 3, this->samples(3).data());
     const std::string one = goldens::bytes(Golden<Handler>::bytes().raw);
-    const std::string expected =
-        "123;" + le64(102) + le64(103) + le32(2) + one + one + ";120;" + le64(200) + one + ";";
-    EXPECT_EQ(this->transmitted(map), expected);
-    EXPECT_TRUE(map.GetCommandList().empty());
-
-    // With both, it goes both ways.
-    map.ClearCommandListForTransmission();
+    const typename TestFixture::Lists expected{"", "123;" + le64(102) + le64(103) + le32(2) + one +
+                                                       one + ";120;" + le64(200) + one + ";"};
+    map.SetChannelValues(12, 3, this->samples(3).data());
+    EXPECT_EQ(this->takeLists(), expected);
     map.CreateRealTimeBuffer();
     map.SetFastValueMapAndScanBufferCoexist(true);
     calls.clear();
-    log.codes.clear();
     map.SetChannelValues(12, 3, this->samples(3).data());
-    EXPECT_EQ(this->transmitted(map), expected);
+    EXPECT_EQ(this->lists(), expected) << "with both, it goes both ways";
     EXPECT_THAT(calls, ElementsAre("data 2+2 4+1"));
-    map.EndOfScan(9);
-    EXPECT_THAT(log.codes, ElementsAre(CC_END_OF_SCAN));
 }
 
-TYPED_TEST(FastValueMapTest, TypeNumbersAndNamesAreThoseOfThePair)
+TYPED_TEST(FastValueMapTest, AStringIsInTheModesThatItSets)
 {
-    using Y = typename TestFixture::Sample;
     using Handler = typename TestFixture::YHandler;
-    struct Row {
-        int id, type, fastType;
-        const char *name, *fastName;
-    };
-    static const Row rows[] = {
-        {100, 10, 33, "ValueMappingChar", "FastValueMapChar"},
-        {101, 11, 34, "ValueMappingShort", "FastValueMapShort"},
-        {102, 16, 39, "ValueMappingLevel", "FastValueMapLevel"},
-        {103, 12, 35, "ValueMappingLong", "FastValueMapLong"},
-        {104, 13, 36, "ValueMappingFloat", "FastValueMapFloat"},
-        {105, 30, 40, "ValueMappingPercent", "FastValueMapPercent"},
-        {106, 14, 37, "ValueMapping", "FastValueMapDouble"},
-        {107, 15, 38, "ValueMappingQDF0xA", "FastValueMapQDF0xA"},
-        {108, 31, 59, "ValueMappingMinMax", "FastValueMapMinMax"},
-        {109, 53, 90, "ValueMappingElevOverAzi", "FastValueMapElevOverAzi"},
-        {110, 76, 77, "ValueMapBearingExtended", "FastValueMapBearingExtended"},
-        {111, 105, 105, "ValueMappingPulse", "PulseMapping"},
-        {112, 127, 126, "ValueMapDFSpectrumSample", "FastValueMapDFSpectrumSample"},
-    };
-    const Row &row = rows[Handler::GetId() - 100];
-    ValueMap<Y, Handler> map;
-    EXPECT_EQ(map.GetType(), row.type);
-    EXPECT_EQ(map.GetTypeName(), row.name);
-    EXPECT_EQ(map.GetYHandlerId(), row.id);
-    EXPECT_EQ(this->fast.GetType(), row.fastType);
-    EXPECT_EQ(this->fast.GetTypeName(), row.fastName);
+    using SetValue = CommandSetXYValue<typename TestFixture::Sample, Handler>;
+    auto &map = this->fast;
+    const goldens::Bytes golden = Golden<Handler>::bytes();
+    const std::string raw = "120;" + le64(1) + goldens::bytes(golden.raw) + ";";
+    const std::string compressed = "120;" + le64(1) + goldens::bytes(golden.compressed) + ";";
+    const auto setValue = [&] { SetValue(&map, nullptr, 1.0, this->samples(1)[0]).Execute(); };
+    map.CommandRecordingOnForTransmission();
+    setValue();
+    map.SetDataCompressMode(DataCompressed);
+    setValue();
+    map.SetDataCompressMode(DataRaw);
+    setValue();
+    const std::string sent = map.GetCommandStringForTransmission(0);
+    EXPECT_EQ(sent, raw + "39;\1;" + compressed + "39;\0;"s + raw);
+
+    std::vector<std::unique_ptr<KELM::ICommand>> parsed;
+    map.SetCommandString(sent, parsed, nullptr, 0);
+    EXPECT_EQ(parsed.size(), 5U);
+    const std::string start = "39;\1;" + compressed;
+    EXPECT_THROW(map.SetCommandString(start + "120;", parsed, nullptr, 0), KRException);
+    map.SetCommandString(start, parsed, nullptr, 0);
+    EXPECT_EQ(HandlerBase::GetDataCompressMode(), DataRaw) << "parsing sets nothing";
+    map.SetCommandString(start, nullptr, 0);
+    EXPECT_EQ(HandlerBase::GetDataCompressMode(), DataCompressed);
+}
+
+TYPED_TEST(FastValueMapTest, PrintsSerialisedSamples)
+{
+    using Handler = typename TestFixture::YHandler;
     const std::string sample = goldens::bytes(Golden<Handler>::bytes().raw);
-    EXPECT_NE(map.Binary2FormattedString(0, sample.data()), "---");
+    EXPECT_NE(this->fast.Binary2FormattedString(0, sample.data()), "---");
     std::string invalid(64, '\0');
     Handler::ToBinary(invalid.data(), Handler::Minimum());
-    EXPECT_EQ(map.Binary2FormattedString(0, invalid.data()), "---");
+    EXPECT_EQ(this->fast.Binary2FormattedString(0, invalid.data()), "---");
 }
 
-// --------------------------------------------------------------- what doesn't depend on the
-// samples
+TEST(FastValueMap, TypesGoByThePair)
+{
+    std::set<int> types;
+    std::string names;
+#define NOTE(Y, Handler)                                                                           \
+    types.insert({ValueMap<Y, Handler>().GetType(), FastValueMap<Y, Handler>().GetType()});        \
+    names += (FastValueMap<Y, Handler>().GetTypeName() + ' ').toStdString();
+    SPECTREE_FOR_EACH_SAMPLE_PAIR(NOTE)
+#undef NOTE
+    EXPECT_EQ(types.size(), 25U) << "13 pairs in two maps, but pulses have one type for both";
+    EXPECT_EQ(names, "FastValueMapChar FastValueMapLevel FastValueMapShort FastValueMapLong "
+                     "FastValueMapFloat FastValueMapPercent FastValueMapDouble FastValueMapQDF0xA "
+                     "FastValueMapMinMax FastValueMapElevOverAzi PulseMapping "
+                     "FastValueMapBearingExtended FastValueMapDFSpectrumSample ");
+    EXPECT_EQ((ValueMap<MinMax, MinMaxHandler>().GetTypeName()), "ValueMappingMinMax");
+}
 
+/// What doesn't depend on the samples.
 class LevelMap : public FastValueMapTest<SamplePair<short, levelHandler>> {
 protected:
     Map &map = fast;
@@ -374,26 +378,19 @@ TEST_F(LevelMap, TheGridIsRecordedAndFollowedByTheWidth)
     struct Mapping : IChannelMapping {
         void SetChannelRangeDefinition(const ChannelRangeDefinition &definition) override
         {
-            calls.push_back("mapping " + text(definition.GetChannelCount()));
+            call("mapping", definition.GetChannelCount());
         }
-        void SetTimeStamp(KRTimeStamp time) override
-        {
-            calls.push_back("time " + text(double(time)));
-        }
-        void EndOfScan(KRTimeStamp time) override { calls.push_back("end " + text(double(time))); }
+        void SetTimeStamp(KRTimeStamp time) override { call("time", time); }
+        void EndOfScan(KRTimeStamp time) override { call("end", time); }
     } mapping;
     map.SetChannelMapping(&mapping);
     CodeLog log;
     map.AddObserver(&log);
     map.SetChannelRangeDefinition(ChannelRangeDefinition(), 0);
     EXPECT_THAT(log.codes, IsEmpty()) << "an empty grid is ignored";
-    map.CommandRecordingOn();
-    map.CommandRecordingOnForTransmission();
-    std::string own, sent;
-    log.then = [&](Observable *, TChangeCode) {
-        own = recorded(map);
-        sent = transmitted(map);
-    };
+    record();
+    Lists told;
+    log.then = [&](Observable *, TChangeCode) { told = lists(); };
     giveGrid();
     map.SetTimeStamp(3);
     map.EndOfScan(4);
@@ -403,8 +400,8 @@ TEST_F(LevelMap, TheGridIsRecordedAndFollowedByTheWidth)
     log.codes.clear();
     giveGrid();
     const std::string gridCommand = "134;" + Kelm::toStandardString(grid()) + ";";
-    EXPECT_EQ(own, "27;33;" + le64(1.0) + ";" + gridCommand + "0;4;");
-    EXPECT_EQ(sent, own);
+    EXPECT_EQ(told.first, "27;33;" + le64(1) + ";" + gridCommand + "0;4;");
+    EXPECT_EQ(told.second, told.first);
     EXPECT_EQ(map.GetWidth4Interpolation(205.0), 10.0);
     EXPECT_EQ(map.GetWidth4Interpolation(-1.0), 1.0);
     EXPECT_EQ(map.GetWidth4Interpolation(5000.0), 1.0);
@@ -413,30 +410,30 @@ TEST_F(LevelMap, TheGridIsRecordedAndFollowedByTheWidth)
 
 TEST_F(LevelMap, ClearsChannels)
 {
-    CodeLog log;
     map.ClearChannelRange(10, 1); // no grid: nothing
     giveGrid();
-    map.CommandRecordingOn();
-    map.CommandRecordingOnForTransmission();
+    record();
     struct Case {
         int first, count;
-        std::string own, sent;
-    } const cases[] = {
-        {-1, -1, "27;", "27;"},
-        {13, 1, "36;" + le32(13) + le32(1) + ";", "124;" + le64(103) + ";"},
-        {-1, 5, "36;" + le32(0xFFFFFFFF) + le32(5) + ";",
-         "125;" + le64(100) + le64(103) + ";124;" + le64(200) + ";"},
-        {13, -1, "36;" + le32(13) + le32(0xFFFFFFFF) + ";",
-         "124;" + le64(103) + ";125;" + le64(200) + le64(210) + ";124;" + le64(300) + ";"},
+        Lists recorded;
     };
-    for (const Case &row : cases) {
-        SCOPED_TRACE(std::to_string(row.first) + ", " + std::to_string(row.count));
-        map.NotifyObservers(CC_NONE, nullptr); // empties the lists
-        map.ClearChannelRange(row.first, unsigned(row.count));
-        EXPECT_EQ(recorded(map), row.own);
-        EXPECT_EQ(transmitted(map), row.sent);
+    const std::string all = le32(0xFFFFFFFF);
+    for (const Case &c :
+         {Case{-1, -1, {"27;", "27;"}},
+          {13, 1, {"36;" + le32(13) + le32(1) + ";", "124;" + le64(103) + ";"}},
+          {-1,
+           5,
+           {"36;" + all + le32(5) + ";",
+            "125;" + le64(100) + le64(103) + ";124;" + le64(200) + ";"}},
+          {13,
+           -1,
+           {"36;" + le32(13) + all + ";",
+            "124;" + le64(103) + ";125;" + le64(200) + le64(210) + ";124;" + le64(300) + ";"}}}) {
+        takeLists();
+        map.ClearChannelRange(c.first, unsigned(c.count));
+        EXPECT_EQ(lists(), c.recorded) << c.first << ", " << c.count;
     }
-    map.NotifyObservers(CC_NONE, nullptr);
+    takeLists();
     EXPECT_THROW(map.ClearChannelRange(15, 2), InvalidChannelIdException);
     EXPECT_THAT(map.GetCommandList(), IsEmpty());
     EXPECT_TRUE(map.IsCommandRecording()) << "no longer suspended";
@@ -507,30 +504,110 @@ TEST_F(LevelMap, AMalformedStringChangesNothing)
     EXPECT_THAT(calls, ElementsAre("time 7", "end 7"));
 }
 
+TEST_F(LevelMap, ARecordedChangeIsToldAndLeavesNothingBehind)
+{
+    struct Case {
+        const char *name;
+        bool coexist, own, sent;
+        std::vector<int> codes;
+        std::string ownCommands, sentCommands;
+    };
+    const std::string change = "0;10;", stamp = "29;" + le(std::uint64_t(5)) + ";";
+    for (const Case &c :
+         {Case{"nothing recorded", false, false, false, {}, "", ""},
+          {"own", false, true, false, {CC_FAST_MAP}, stamp + change, ""},
+          {"sent", false, false, true, {CC_FAST_MAP}, "", stamp},
+          {"both roads, own", true, true, false, {CC_FAST_MAP, CC_MAPPING}, stamp + change, ""},
+          {"both roads, sent", true, false, true, {CC_MAPPING}, "", stamp + change},
+          {"all", true, true, true, {CC_FAST_MAP, CC_MAPPING}, stamp + change, stamp + change}}) {
+        SCOPED_TRACE(c.name);
+        Map value;
+        value.CreateRealTimeBuffer();
+        value.SetFastValueMapAndScanBufferCoexist(c.coexist);
+        if (c.own)
+            value.CommandRecordingOn();
+        if (c.sent)
+            value.CommandRecordingOnForTransmission();
+        CodeLog log;
+        std::string own, sent;
+        log.then = [&](Observable *, TChangeCode) {
+            own += value.GetCommandStringForRecording(0);
+            sent += value.GetCommandStringForTransmission(0);
+        };
+        value.SetTimeStamp(5);
+        value.AddObserver(&log);
+        value.HasChanged(CC_MAPPING, nullptr);
+        EXPECT_EQ(log.codes, c.codes);
+        EXPECT_EQ(own, c.ownCommands);
+        EXPECT_EQ(sent, c.sentCommands);
+        EXPECT_THAT(value.GetCommandList(), IsEmpty());
+        EXPECT_THAT(value.GetCommandListForTransmission(), IsEmpty());
+        value.DeleteObserver(&log);
+    }
+}
+
+TEST_F(LevelMap, AnObserverOfAChangeMayDestroyTheMap)
+{
+    auto value = std::make_unique<Map>();
+    value->CreateRealTimeBuffer();
+    value->SetFastValueMapAndScanBufferCoexist(true);
+    value->CommandRecordingOn();
+    CodeLog log;
+    log.then = [&](Observable *, TChangeCode code) {
+        if (code == CC_FAST_MAP)
+            value.reset();
+    };
+    value->AddObserver(&log);
+    value->HasChanged(CC_MAPPING, nullptr);
+    EXPECT_EQ(value, nullptr);
+    EXPECT_EQ(log.codes.front(), CC_FAST_MAP);
+}
+
+TEST(ValueMap, ARecordedChangeOfAnotherThreadIsPosted)
+{
+    using Map = ValueMap<short, levelHandler>;
+    const std::vector<std::pair<int, std::function<void(Map &)>>> cases = {
+        {120, [](Map &map) { map.SetXYValue(1, 2); }},
+        {27, [](Map &map) { map.ClearData(); }},
+        {29, [](Map &map) { map.SetTimeStamp(1); }},
+        {32, [](Map &map) { map.EndOfHistory(); }},
+        {33, [](Map &map) { map.SetWidth4Interpolation(2); }},
+        {37, [](Map &map) { map.ResetGrowOnly(); }},
+        {38, [](Map &map) { map.SetScanPerSecond(2); }},
+        {39, [](Map &map) { map.SetDataCompressMode(DataRaw); }},
+    };
+    for (const auto &[id, change] : cases) {
+        SCOPED_TRACE(id);
+        Map map;
+        map.CommandRecordingOnForTransmission();
+        std::thread([&map, &change = change] { change(map); }).join();
+        EXPECT_THAT(map.GetCommandListForTransmission(), IsEmpty());
+        EXPECT_EQ(map.GetWidth4Interpolation(), -1.0);
+        QCoreApplication::processEvents();
+        ASSERT_EQ(map.GetCommandListForTransmission().size(), 1U);
+        EXPECT_EQ(map.GetCommandListForTransmission()[0]->GetCommandId(), id);
+    }
+}
+
 TEST_F(LevelMap, StateRebuildsGridModeAndName)
 {
     giveGrid();
     map.SetWidth4Interpolation(42.0);
     map.SetRealTimeBufferName("x");
-    const std::string state = map.GetObjectStateStringForTransmission(0);
-    Map other;
+    HandlerBase::SetDataCompressMode(DataCompressed);
+    std::string state = map.GetObjectStateStringForTransmission(0);
+    Map other, assigned;
     other.SetCommandString(state, nullptr, 0);
+    assigned.Assign(map);
     EXPECT_EQ(other.GetChannelRangeDefinition(), grid());
+    EXPECT_EQ(assigned.GetChannelRangeDefinition(), grid());
     EXPECT_EQ(other.GetRealTimeBufferName(), "x");
     EXPECT_EQ(other.GetWidth4Interpolation(), 1.0) << "the grid follows and takes the width along";
-    const std::string recording = map.GetObjectStateStringForRecording();
-    EXPECT_EQ(recording, state.substr(0, recording.size())) << "the same without the name";
-    EXPECT_EQ(state.substr(recording.size()), "40;\x01\0\0\0x;"s);
+    const std::string name = "40;\x01\0\0\0x;"s;
+    state.replace(state.find("39;\1;"), 5, "39;\0;"s);
+    EXPECT_EQ(map.GetObjectStateStringForRecording() + name, state)
+        << "raw, as all recordings, and without the name";
 
-    Map assigned;
-    assigned.Assign(map);
-    EXPECT_EQ(assigned.GetChannelRangeDefinition(), grid());
-}
-
-TEST_F(LevelMap, RecordsRawSamplesInAnyCompressMode)
-{
-    HandlerBase::SetDataCompressMode(DataCompressed);
-    giveGrid();
     map.CommandRecordingOn();
     map.SetChannelValues(10, 1, samples(1).data());
     EXPECT_EQ(map.GetCommandStringForRecording(0), "35;" + le32(10) + le32(1) + "\x7B\0;"s);
@@ -544,21 +621,16 @@ TEST_F(LevelMap, TimeStampsAreMadeWhereAskedFor)
     map.CreateTimeStampOnHasChanged(true);
     calls.clear();
     map.SetChannelValues(10, 1, samples(1).data());
-    ASSERT_EQ(calls.size(), 2U);
-    EXPECT_EQ(calls[0], "time " + std::to_string(map.GetTimeStamp()));
-    EXPECT_EQ(calls[1], "data 0+1");
+    EXPECT_THAT(calls, ElementsAre("time " + std::to_string(map.GetTimeStamp()), "data 0+1"));
 }
 
 TEST_F(LevelMap, PassesOnTheChangesOfWhatItWatches)
 {
-    TestValue watched;
     CodeLog log;
     map.AddObserver(&log);
-    watched.AddObserver(&map);
-    watched.HasChanged(CC_VALUE, nullptr);
-    watched.HasChanged(CC_NAME, nullptr);
+    for (const TChangeCode code : {CC_VALUE, CC_NAME})
+        map.Update(nullptr, code);
     EXPECT_THAT(log.codes, ElementsAre(CC_LIMITS));
-    watched.DeleteObserver(&map);
 }
 
 TEST(ScanPerSecond, CountsOverHalfAMinute)
@@ -570,6 +642,13 @@ TEST(ScanPerSecond, CountsOverHalfAMinute)
     EXPECT_DOUBLE_EQ(rate.Recalc(100'500'000), 3 / 0.5) << "from the oldest on";
     EXPECT_EQ(rate.Recalc(99'000'000), -22.0);
     EXPECT_DOUBLE_EQ(rate.Recalc(131'250'000), 3 / 29.75) << "older ones drop out";
+    ScanPerSecond fast;
+    for (std::int64_t scan = 0; scan < 500; ++scan) {
+        const double found = fast.Recalc(1'000'000 + scan * 100'000);
+        if (scan != 0) {
+            EXPECT_DOUBLE_EQ(found, 10.0) << scan;
+        }
+    }
     ScanPerSecond units;
     units.Recalc(50);
     units.Recalc(50);

@@ -1,9 +1,10 @@
 #include "platform/base/krexception.h"
 #include "samplegoldens.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <tuple>
 
@@ -44,15 +45,12 @@ auto parsed(const std::string &image, std::size_t &consumed)
     return sample;
 }
 
-template <typename Function>
-std::string reasonOf(Function function)
+template <typename Handler, typename Y>
+std::tuple<short, unsigned short, short, short> fields(const Y &sample)
 {
-    try {
-        function();
-    } catch (const KRException &error) {
-        return error.what();
-    }
-    return "nothing thrown";
+    std::size_t consumed = 0;
+    const auto back = parsed<Handler>(binary<Handler>(sample), consumed);
+    return {back.level, back.azimuth, back.elevation, back.quality};
 }
 
 template <typename Pair>
@@ -65,124 +63,62 @@ TYPED_TEST(EverySample, HasTheBytesWrittenDown)
     using Handler = typename TypeParam::Handler;
     const auto golden = Golden<Handler>::bytes();
     const auto sample = Golden<Handler>::sample();
+    const typename TypeParam::Sample minimum = Handler::Minimum();
+    EXPECT_TRUE(minimum <= sample && minimum < sample);
     const std::string rawImage = goldens::bytes(golden.raw);
-    struct Case {
-        char mode;
-        std::string image, back;
-    };
-    for (const Case &c :
-         {Case{DataRaw, rawImage, rawImage},
-          Case{DataCompressed, goldens::bytes(golden.compressed), goldens::bytes(golden.back)}}) {
-        SCOPED_TRACE(int(c.mode));
-        const InMode mode(c.mode);
+    for (const auto &[modeNumber, image, back] :
+         {std::tuple(DataRaw, rawImage, rawImage),
+          {DataCompressed, goldens::bytes(golden.compressed), goldens::bytes(golden.back)}}) {
+        SCOPED_TRACE(int(modeNumber));
+        const InMode mode(modeNumber);
         std::size_t consumed = 0;
-
-        EXPECT_EQ(binary<Handler>(sample), c.image);
-        EXPECT_EQ(raw(parsed<Handler>(c.image, consumed)), c.back);
-        EXPECT_EQ(consumed, c.image.size());
+        EXPECT_EQ(binary<Handler>(sample), image);
+        EXPECT_EQ(raw(parsed<Handler>(image, consumed)), back);
+        EXPECT_EQ(consumed, image.size());
         EXPECT_EQ(raw(sample), rawImage) << "messages are raw in every mode";
         EXPECT_EQ(rawImageSize(sample), rawImage.size());
-    }
-}
 
-TYPED_TEST(EverySample, RefusesBytesThatEndEarly)
-{
-    using Handler = typename TypeParam::Handler;
-    for (const char modeNumber : {DataRaw, DataCompressed}) {
-        const InMode mode(modeNumber);
-        const std::string image = binary<Handler>(Golden<Handler>::sample());
+        const std::string least = binary<Handler>(minimum);
+        EXPECT_EQ(least.size(), Handler::SizeOf());
+        EXPECT_EQ(raw(parsed<Handler>(least, consumed)), raw(minimum));
         for (std::size_t length = 0; length < image.size(); ++length) {
-            const std::string cut = image.substr(0, length);
-            const Kelm::ReadScope scope(cut.data(), cut.size());
-            const char *cursor = cut.data();
+            const Kelm::ReadScope scope(image.data(), length);
+            const char *cursor = image.data();
             bool ok = true;
             EXPECT_THROW(Handler::FromBinary(&cursor, ok, 0), KRException) << length;
-            EXPECT_EQ(cursor, cut.data());
+            EXPECT_EQ(cursor, image.data());
         }
     }
-}
-
-TYPED_TEST(EverySample, HasAMinimumThatItsOwnFormKeeps)
-{
-    using Handler = typename TypeParam::Handler;
-    const typename TypeParam::Sample minimum = Handler::Minimum();
-    EXPECT_TRUE(minimum <= Golden<Handler>::sample());
-    EXPECT_TRUE(minimum < Golden<Handler>::sample());
-    for (const char modeNumber : {DataRaw, DataCompressed}) {
-        const InMode mode(modeNumber);
-        const std::string image = binary<Handler>(minimum);
-        std::size_t consumed = 0;
-        EXPECT_EQ(image.size(), Handler::SizeOf());
-        EXPECT_EQ(raw(parsed<Handler>(image, consumed)), raw(minimum));
-    }
-}
-
-TEST(Samples, HaveTheNumbersOfTheirPairs)
-{
-    struct Row {
-        std::string_view name;
-        int id, dimensions;
-        std::size_t image, compressed;
-        bool operator==(const Row &) const = default;
-    };
-    std::vector<Row> rows;
-    const InMode mode(DataCompressed);
-#define ROW(Y, Handler)                                                                            \
-    rows.push_back({pairName<Handler>, Handler::GetId(), Handler::GetDimensionCnt(), imageSize<Y>, \
-                    Handler::SizeOf()});
-    SPECTREE_FOR_EACH_SAMPLE_PAIR(ROW)
-#undef ROW
-    const std::vector<Row> expected = {{"charHandler", 100, 1, 1, 1},
-                                       {"levelHandler", 102, 1, 2, 1},
-                                       {"shortHandler", 101, 1, 2, 2},
-                                       {"longHandler", 103, 1, 4, 4},
-                                       {"floatHandler", 104, 1, 4, 4},
-                                       {"floatPercentHandler", 105, 1, 4, 4},
-                                       {"doubleHandler", 106, 1, 8, 8},
-                                       {"BearingHandler", 107, 6, 16, 4},
-                                       {"MinMaxHandler", 108, 2, 4, 4},
-                                       {"ElevOverAziMinMaxHandler", 109, 2, 4, 4},
-                                       {"PulseHandler", 111, 5, 9, 9},
-                                       {"BearingExtendedHandler", 110, 8, 19, 6},
-                                       {"DFSpectrumSampleHandler", 112, 6, 14, 14}};
-    EXPECT_EQ(rows, expected);
 }
 
 TEST(Samples, ReadNothingInAnUnknownMode)
 {
     const InMode mode(2);
     const std::string image(19, '\1');
-    std::size_t consumed = 1;
-    EXPECT_EQ(parsed<levelHandler>(image, consumed), -9999);
-    EXPECT_EQ(consumed, 0U);
-    EXPECT_EQ(raw(parsed<BearingHandler>(image, consumed)), raw(Bearing()));
-    EXPECT_EQ(consumed, 0U);
-    EXPECT_EQ(raw(parsed<BearingExtendedHandler>(image, consumed)), raw(BearingExtended()));
-    EXPECT_EQ(consumed, 0U);
+    std::size_t level = 1, bearing = 1, extended = 1;
+    EXPECT_EQ(parsed<levelHandler>(image, level), -9999);
+    EXPECT_EQ(raw(parsed<BearingHandler>(image, bearing)), raw(Bearing()));
+    EXPECT_EQ(raw(parsed<BearingExtendedHandler>(image, extended)), raw(BearingExtended()));
+    EXPECT_EQ(level + bearing + extended, 0U);
     EXPECT_EQ(binary<BearingHandler>(Bearing()).size(), 16U);
-    EXPECT_EQ(levelHandler::SizeOf(), 2U);
 }
 
 TEST(Samples, CompressALevelToOneByte)
 {
-    struct Case {
-        short level;
-        const char *byte;
-        short back;
-    };
     const InMode mode(DataCompressed);
-    for (const Case &c : {Case{-9999, "80", -9999},
-                          {-32768, "80", -9999},
-                          {-9998, "81", -1270},
-                          {1275, "7f", 1270},
-                          {-1275, "81", -1270},
-                          {-1285, "81", -1270},
-                          {32767, "7f", 1270},
-                          {-19, "ff", -10},
-                          {9, "00", 0}}) {
+    for (const auto &[level, byte, back] :
+         {std::tuple<short, const char *, short>(-9999, "80", -9999),
+          {-32768, "80", -9999},
+          {-9998, "81", -1270},
+          {1275, "7f", 1270},
+          {-1275, "81", -1270},
+          {-1285, "81", -1270},
+          {32767, "7f", 1270},
+          {-19, "ff", -10},
+          {9, "00", 0}}) {
         std::size_t consumed = 0;
-        EXPECT_EQ(binary<levelHandler>(c.level), goldens::bytes(c.byte)) << c.level;
-        EXPECT_EQ(parsed<levelHandler>(goldens::bytes(c.byte), consumed), c.back);
+        EXPECT_EQ(binary<levelHandler>(level), goldens::bytes(byte)) << level;
+        EXPECT_EQ(parsed<levelHandler>(goldens::bytes(byte), consumed), back);
     }
 }
 
@@ -191,124 +127,98 @@ TEST(Samples, CompressABearingWithoutSpillingIntoNeighbours)
     struct Case {
         const char *name;
         Bearing sample;
-        std::int16_t level;
-        std::uint16_t azimuth;
-        std::int16_t elevation, quality;
+        std::tuple<short, unsigned short, short, short> back;
     };
     const InMode mode(DataCompressed);
     for (const Case &c :
-         {Case{"largest of all", {0, 0, 32767, 65535, 32767, 32767}, 31200, 51100, 12700, 127},
-          {"level at the offset is invalid", {0, 0, -19900, 9000, 0, 50}, -32768, 9000, 0, 50},
-          {"lowest level", {0, 0, -19899, 9000, 0, 50}, -19800, 9000, 0, 50},
-          {"invalid level", {0, 0, -32768, 9000, 0, 50}, -32768, 9000, 0, 50},
-          {"negative quality", {0, 0, 100, 9000, 100, -1}, 100, 9000, 100, 0},
-          {"negative elevation borrows", {0, 0, 100, 9000, -100, 5}, 100, 8900, 12700, 5}}) {
-        SCOPED_TRACE(c.name);
-        std::size_t consumed = 0;
-        const Bearing back = parsed<BearingHandler>(binary<BearingHandler>(c.sample), consumed);
-        EXPECT_EQ(std::tuple(back.level, back.azimuth, back.elevation, back.quality),
-                  std::tuple(c.level, c.azimuth, c.elevation, c.quality));
-    }
+         {Case{"largest of all", {0, 0, 32767, 65535, 32767, 32767}, {31200, 51100, 12700, 127}},
+          {"level at the offset is invalid", {0, 0, -19900, 9000, 0, 50}, {-32768, 9000, 0, 50}},
+          {"lowest level", {0, 0, -19899, 9000, 0, 50}, {-19800, 9000, 0, 50}},
+          {"invalid level", {0, 0, -32768, 9000, 0, 50}, {-32768, 9000, 0, 50}},
+          {"negative quality", {0, 0, 100, 9000, 100, -1}, {100, 9000, 100, 0}},
+          {"negative elevation borrows", {0, 0, 100, 9000, -100, 5}, {100, 8900, 12700, 5}}})
+        EXPECT_EQ(fields<BearingHandler>(c.sample), c.back) << c.name;
 }
 
 TEST(Samples, CompressAnExtendedBearing)
 {
-    struct Case {
-        int validity;
-        std::int16_t level;
-        int validityBack;
-        std::int16_t levelBack;
-    };
+    using Fields = std::pair<int, short>;
     const InMode mode(DataCompressed);
     // The bit of 0x10 is lost: the reader's mask is 0x6F.
-    for (const Case &c : {Case{2, -1234, 2, -1200},
-                          {1, -32768, 1, -32768},
-                          {255, 32767, 0x6F, 31200},
-                          {0x10, -19900, 0, -32768}}) {
+    for (const auto &[written, read] : {std::pair(Fields(2, -1234), Fields(2, -1200)),
+                                        {{1, -32768}, {1, -32768}},
+                                        {{255, 32767}, {0x6F, 31200}},
+                                        {{0x10, -19900}, {0, -32768}}}) {
         std::size_t consumed = 0;
-        BearingExtended sample;
-        sample.validity = BearingExtended::Validity(c.validity);
-        sample.shortTimeLevel = c.level;
+        const BearingExtended sample{{}, BearingExtended::Validity(written.first), written.second};
         const auto back =
             parsed<BearingExtendedHandler>(binary<BearingExtendedHandler>(sample), consumed);
-        EXPECT_EQ(int(back.validity), c.validityBack);
-        EXPECT_EQ(back.shortTimeLevel, c.levelBack);
+        EXPECT_EQ(Fields(int(back.validity), back.shortTimeLevel), read);
         EXPECT_EQ(consumed, 6U);
     }
 }
 
 TEST(Samples, CompareWithAllAsymmetries)
 {
-    struct Verdict {
-        bool less, lessOrEqual, equal;
-        bool operator==(const Verdict &) const = default;
-    };
     const auto verdict = [](const auto &a, const auto &b) {
         EXPECT_NE(a == b, a != b);
-        return Verdict{a < b, a <= b, a == b};
+        return std::string(a < b ? "< " : "") + (a <= b ? "<= " : "") + (a == b ? "==" : "");
     };
     const Bearing weak{0, 0, 100, 1, 0, 5}, strong{0, 0, 200, 1, 0, 90}, none{0, 0, 900, 1, 0, 0};
-    EXPECT_EQ(verdict(weak, strong), (Verdict{true, true, false}));
-    EXPECT_EQ(verdict(none, weak), (Verdict{true, true, false}));
-    EXPECT_EQ(verdict(weak, none), (Verdict{false, false, false}));
-    EXPECT_EQ(verdict(weak, Bearing{7, 8, 100, 1, 9, 5}), (Verdict{false, true, true}));
-    EXPECT_EQ(verdict(weak, Bearing{0, 0, 100, 2, 0, 5}), (Verdict{false, true, false}));
+    EXPECT_EQ(verdict(weak, strong), "< <= ");
+    EXPECT_EQ(verdict(none, weak), "< <= ");
+    EXPECT_EQ(verdict(weak, none), "");
+    EXPECT_EQ(verdict(weak, Bearing{7, 8, 100, 1, 9, 5}), "<= ==");
+    EXPECT_EQ(verdict(weak, Bearing{0, 0, 100, 2, 0, 5}), "<= ");
     EXPECT_EQ(verdict(BearingExtended{weak, BearingExtended::Validity::valid, 5},
                       BearingExtended{weak, BearingExtended::Validity::blank, 6}),
-              (Verdict{false, true, true}));
-
-    EXPECT_EQ(verdict(MinMax(1, 5), MinMax(9, 5)), (Verdict{false, true, true}));
-    EXPECT_EQ(verdict(MinMax(9, 4), MinMax(1, 5)), (Verdict{true, true, false}));
-
+              "<= ==");
+    EXPECT_EQ(verdict(MinMax(1, 5), MinMax(9, 5)), "<= ==");
+    EXPECT_EQ(verdict(MinMax(9, 4), MinMax(1, 5)), "< <= ");
     Pulse counted(10, 20, 1, 0, 0);
     counted.pulseCount = 9;
-    EXPECT_EQ(verdict(Pulse(10, 20, 1, 3, 4), counted), (Verdict{false, true, true}));
-    EXPECT_EQ(verdict(Pulse(10, 20, 1, 0, 0), Pulse(10, 99, 1, 0, 0)),
-              (Verdict{false, true, false}));
-
+    EXPECT_EQ(verdict(Pulse(10, 20, 1, 3, 4), counted), "<= ==");
+    EXPECT_EQ(verdict(Pulse(10, 20, 1, 0, 0), Pulse(10, 99, 1, 0, 0)), "<= ");
     const auto df = [](short level, short quality) {
         DFSpectrumSample sample;
         sample.setLevel(level);
         sample.setQuality(quality);
         return sample;
     };
-    EXPECT_EQ(verdict(df(500, 1), df(100, 2)), (Verdict{true, false, false}));
-    EXPECT_EQ(verdict(df(100, 2), df(500, 1)), (Verdict{false, true, false}));
-    EXPECT_EQ(verdict(df(100, 2), df(200, 2)), (Verdict{true, true, false}));
+    EXPECT_EQ(verdict(df(500, 1), df(100, 2)), "< ");
+    EXPECT_EQ(verdict(df(100, 2), df(500, 1)), "<= ");
+    EXPECT_EQ(verdict(df(100, 2), df(200, 2)), "< <= ");
 }
 
-TEST(Samples, ReadAndWriteDimensions)
+template <typename Handler, typename Y>
+std::vector<double> dimensions(const Y &sample, int count = Handler::GetDimensionCnt())
 {
+    std::vector<double> all;
+    for (int i = 0; i < count; ++i)
+        all.push_back(Handler::GetDimension(i, sample));
+    return all;
+}
+
+TEST(Samples, TellTheirDimensions)
+{
+    using All = std::vector<double>;
     constexpr double kLowest = std::numeric_limits<double>::lowest();
-    const auto bearing = Golden<BearingHandler>::sample();
-    Bearing without = bearing;
-    without.quality = 0;
-    const double bearingFacets[] = {45.67, 1, -2, 123.45, 6.78, 90};
-    for (int i = 0; i < 6; ++i)
-        EXPECT_EQ(BearingHandler::GetDimension(i, bearing), bearingFacets[i]) << i;
-    EXPECT_EQ(BearingHandler::GetDimension(3, without), -1.0);
-    EXPECT_EQ(BearingHandler::GetDimension(4, without), -1.0);
-    EXPECT_EQ(BearingHandler::GetDimension(0, without), 45.67);
-
+    Bearing bearing = Golden<BearingHandler>::sample();
+    EXPECT_EQ(dimensions<BearingHandler>(bearing), (All{45.67, 1, -2, 123.45, 6.78, 90}));
+    EXPECT_EQ(dimensions<BearingExtendedHandler>(
+                  BearingExtended{bearing, BearingExtended::Validity(2), 150}),
+              (All{45.67, 1, -2, 123.45, 6.78, 90, 2, 1.5}));
+    bearing.quality = 0;
+    EXPECT_EQ(dimensions<BearingHandler>(bearing), (All{45.67, 1, -2, -1, -1, 0}));
     const auto df = Golden<DFSpectrumSampleHandler>::sample();
-    const double dfFacets[] = {1.0, 1, -0.01, 360, -0.05, 99, 0.02};
-    for (int i = 0; i < 7; ++i)
-        EXPECT_EQ(DFSpectrumSampleHandler::GetDimension(i, df), dfFacets[i]) << i;
+    EXPECT_EQ(dimensions<DFSpectrumSampleHandler>(df, 7),
+              (All{1.0, 1, -0.01, 360, -0.05, 99, 0.02}));
     EXPECT_TRUE(std::isnan(DFSpectrumSampleHandler::GetDimension(7, df)));
-
-    const Pulse fresh;
-    const double freshFacets[] = {kLowest, kLowest, 0.0, 3276.7, 0};
-    const double pulseFacets[] = {-1.0, 20.0, 7, 10.0, 513};
-    for (int i = 0; i < 5; ++i) {
-        EXPECT_EQ(PulseHandler::GetDimension(i, fresh), freshFacets[i]) << i;
-        EXPECT_EQ(PulseHandler::GetDimension(i, Golden<PulseHandler>::sample()), pulseFacets[i]);
-    }
-    EXPECT_EQ(levelHandler::GetDimension(0, 123), 12.3);
-    EXPECT_EQ(BearingExtendedHandler::GetDimension(6, {bearing, BearingExtended::Validity(2), 150}),
-              2.0);
-    EXPECT_EQ(BearingExtendedHandler::GetDimension(7, {bearing, BearingExtended::Validity(2), 150}),
-              1.5);
-    EXPECT_EQ(ElevOverAziMinMaxHandler::GetDimension(0, MinMax(1, 2)), 2.0);
+    EXPECT_EQ(dimensions<PulseHandler>(Pulse()), (All{kLowest, kLowest, 0.0, 3276.7, 0}));
+    EXPECT_EQ(dimensions<PulseHandler>(Golden<PulseHandler>::sample()),
+              (All{-1.0, 20.0, 7, 10.0, 513}));
+    EXPECT_EQ(dimensions<levelHandler>(short(123)), All{12.3});
+    EXPECT_EQ(dimensions<ElevOverAziMinMaxHandler>(MinMax(1, 2)).front(), 2.0);
 }
 
 template <typename Handler, typename Y>
@@ -355,65 +265,63 @@ TEST(Samples, CutWhatIsSetToTheField)
     EXPECT_EQ(raw(pulse), goldens::bytes("1f 00 1f 00 1f 00 03 00 03"));
 }
 
-TYPED_TEST(EverySample, SaysThatADimensionIsNotThere)
+/// What is thrown, as traces show it: class, function and reason.
+std::string faultOf(const std::function<void()> &function)
+{
+    try {
+        function();
+    } catch (const KRException &error) {
+        return error.GetClassName() + " " + error.GetFunctionName() + ": " + error.what();
+    }
+    return {};
+}
+
+TYPED_TEST(EverySample, RefusesADimensionThatIsNotThere)
 {
     using Handler = typename TypeParam::Handler;
-    using Sample = typename TypeParam::Sample;
-    if constexpr (!std::is_same_v<Sample, DFSpectrumSample>) {
-        const std::string type = std::is_base_of_v<Bearing, Sample>   ? "Bearing"
-                                 : std::is_same_v<Sample, MinMax>     ? "MinMax"
-                                 : std::is_same_v<Sample, Pulse>      ? "Pulse"
-                                 : std::is_same_v<Sample, Kelm::Long> ? "long"
-                                 : std::is_same_v<Sample, char>       ? "char"
-                                 : std::is_same_v<Sample, short>      ? "short"
-                                 : std::is_same_v<Sample, float>      ? "float"
-                                                                      : "double";
-        const std::string count = type == "Bearing"                     ? "six dimensions!"
-                                  : type == "MinMax" || type == "Pulse" ? "two dimensions!"
-                                                                        : "one dimension!";
-        const std::string start = "Base Type for ValueMap is " + type + " and has only ";
-        const std::string setting = start + (type == "Pulse" ? "7 dimensions!" : count);
-        Sample sample = Golden<Handler>::sample();
-        QString text = QStringLiteral("as it was");
-        const bool plain = std::is_arithmetic_v<Sample> || type == "long";
-        const int past = Handler::GetDimensionCnt();
-        for (const int dimension : {-1, past}) {
-            EXPECT_EQ(reasonOf([&] { Handler::GetDimension(dimension, sample); }), start + count);
-            const std::string setReason =
-                reasonOf([&] { Handler::SetDimensionValue(dimension, sample, 0.0); });
-            EXPECT_EQ(setReason, plain ? "nothing thrown" : setting);
-            if (Handler::GetId() == 109)
-                continue; // its text never looks at the dimension
-            EXPECT_EQ(
-                reasonOf([&] { Handler::GetFormattedString(dimension, text, sample, 0, nullptr); }),
-                setting);
-            EXPECT_EQ(text, QStringLiteral("as it was"));
+    if (Handler::GetId() == 112)
+        return; // gives no number, and prints all whatever the dimension is
+    auto sample = Golden<Handler>::sample();
+    QString text = QStringLiteral("as it was");
+    for (const int dimension : {-1, Handler::GetDimensionCnt()}) {
+        const std::string fault = faultOf([&] { Handler::GetDimension(dimension, sample); });
+        EXPECT_THAT(fault, testing::HasSubstr("Base Type for ValueMap is "));
+        if (Handler::GetId() != 109) { // its text never looks at the dimension
+            EXPECT_NE(
+                faultOf([&] { Handler::GetFormattedString(dimension, text, sample, 0, nullptr); }),
+                "");
         }
+        EXPECT_EQ(text, QStringLiteral("as it was"));
     }
-    SUCCEED();
 }
 
 TEST(Samples, NameTheirFaultAsTracesKnowIt)
 {
-    Bearing sample;
-    QString text;
-    const auto tags = [](auto function) {
-        try {
-            function();
-        } catch (const KRException &error) {
-            return error.GetClassName() + " " + error.GetFunctionName();
-        }
-        return std::string();
-    };
-    EXPECT_EQ(tags([&] { BearingHandler::GetDimension(6, sample); }),
-              "doubleHandler doubleHandler::GetDimension");
-    EXPECT_EQ(tags([&] { BearingHandler::SetDimensionValue(6, sample, 0); }),
-              "doubleHandler doubleHandler::GetDimension");
-    EXPECT_EQ(tags([&] { BearingHandler::GetFormattedString(6, text, sample, 0, nullptr); }),
-              "BearingHandler BearingHandler::GetDimension");
+    Bearing bearing;
     BearingExtended extended;
-    EXPECT_EQ(tags([&] { BearingExtendedHandler::SetDimensionValue(6, extended, 0); }),
-              "doubleHandler doubleHandler::GetDimension");
+    Pulse pulse;
+    MinMax minMax;
+    QString text;
+    const std::string get = "doubleHandler doubleHandler::GetDimension: Base Type for ValueMap is ";
+    EXPECT_EQ(faultOf([&] { BearingHandler::GetDimension(6, bearing); }),
+              get + "Bearing and has only six dimensions!");
+    EXPECT_EQ(faultOf([&] { BearingExtendedHandler::SetDimensionValue(6, extended, 0); }),
+              get + "Bearing and has only six dimensions!");
+    EXPECT_EQ(faultOf([&] { BearingHandler::GetFormattedString(6, text, bearing, 0, nullptr); }),
+              "BearingHandler BearingHandler::GetDimension: Base Type for ValueMap is Bearing and "
+              "has only six dimensions!");
+    for (const auto &[fault, reason] :
+         {std::pair(faultOf([&] { PulseHandler::GetDimension(5, pulse); }),
+                    "Pulse and has only two dimensions!"),
+          {faultOf([&] { PulseHandler::SetDimensionValue(5, pulse, 0); }),
+           "Pulse and has only 7 dimensions!"},
+          {faultOf([&] { MinMaxHandler::GetDimension(2, minMax); }),
+           "MinMax and has only two dimensions!"},
+          {faultOf([&] { longHandler::GetDimension(1, Kelm::Long()); }),
+           "long and has only one dimension!"},
+          {faultOf([&] { levelHandler::GetDimension(1, 0); }),
+           "short and has only one dimension!"}})
+        EXPECT_THAT(fault, testing::EndsWith(reason));
 }
 
 TEST(Samples, PrintOneLine)
@@ -504,12 +412,11 @@ TEST(SuperResolution, CountsLeadingQualities)
     waves.setLevel(many, 7);
     EXPECT_EQ(waves.getWaveCount(), 0U);
     EXPECT_EQ(waves.getLevel(), (SuperResolutionSample::Entries{1, 2, 3, 4, 5}));
-    waves.setQuality(many, 7);
-    EXPECT_EQ(waves.getWaveCount(), 5U);
-    waves.setQuality(gap, 5);
-    EXPECT_EQ(waves.getWaveCount(), 2U);
-    waves.setQuality(gap, 1);
-    EXPECT_EQ(waves.getWaveCount(), 1U);
+    for (const auto &[qualities, given, counted] :
+         {std::tuple(many, 7U, 5U), {gap, 5U, 2U}, {gap, 1U, 1U}}) {
+        waves.setQuality(qualities, given);
+        EXPECT_EQ(waves.getWaveCount(), counted);
+    }
 }
 
 TEST(SuperResolution, ReadsMoreWavesThanItKeeps)

@@ -6,7 +6,7 @@
 #include <vector>
 
 /// The commands that carry samples. docs/commands.md tells their ids and forms; samples stand in
-/// them as the data compress mode says at the time of writing and of reading.
+/// them as the data compress mode says at their place in the string.
 namespace values {
 
 template <typename Y, typename YHandler>
@@ -92,7 +92,7 @@ private:
     std::vector<unsigned short> m_index; // as long as m_samples
 };
 
-/// Id 39: the data compress mode.
+/// Id 39: the data compress mode of the samples behind it.
 template <typename Y, typename YHandler>
 class SPECTREE_EXPORT CommandSetDataCompressMode : public CommandOnValueMapping<Y, YHandler> {
 public:
@@ -102,11 +102,16 @@ public:
     void AddCommandString(std::string &out, int mode) const override;
     Command *Clone() const override { return new CommandSetDataCompressMode(*this); }
 
+    char GetCompressMode() const { return m_compressMode; }
+    /// The mode in force when the command was made.
+    char GetFormerMode() const { return m_formerMode; }
+
 private:
     using Base = CommandOnValueMapping<Y, YHandler>;
     void apply(typename Base::Mapping &mapping) override;
 
     char m_compressMode = 0;
+    char m_formerMode = YHandler::GetDataCompressMode();
 };
 
 /// Id 35: a run of channel values of a fast value map.

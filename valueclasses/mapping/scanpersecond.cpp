@@ -17,6 +17,8 @@ double ScanPerSecond::Recalc(std::int64_t time)
     m_lastTime = time;
     m_times[std::size_t(newest)] = time;
     m_writeIndex = next(m_writeIndex);
+    if (m_writeIndex == m_oldestIndex) // the next scan takes the oldest entry's place
+        m_oldestIndex = next(m_oldestIndex);
     if (!dropOlderThan(time - m_windowMicroseconds, newest))
         return -11.0;
     const int scans = (newest - m_oldestIndex + kEntries) % kEntries;

@@ -7,7 +7,7 @@
 
 namespace values {
 
-/// The scan rate over the last 30 seconds, at most 50 scans. A plain value.
+/// The scan rate over the last 30 seconds, of faster scans over the last 49. A plain value.
 class SPECTREE_EXPORT ScanPerSecond {
 public:
     /// The argument has no effect.
