@@ -1,0 +1,60 @@
+#pragma once
+
+#include "platform/base/bytes.h"
+#include "valueclasses/commands/streamformat.h"
+
+#include <cstdint>
+
+/// What the forms of lists and vectors share.
+namespace values::Sequence {
+
+/// The largest count that a command can hold.
+inline constexpr std::size_t kMaxCount = 0xFFFF;
+
+/// Reads an element count. \throws KRException for one that the bytes left can't hold.
+SPECTREE_EXPORT std::size_t readCount(const char **pos, int mode);
+SPECTREE_EXPORT void appendCount(std::string &out, std::size_t count, int mode);
+
+/// Calls \a use with each line of \a text, up to the first empty one.
+template <typename Use>
+void forEachLine(const QString &text, Use use)
+{
+    for (int begin = 0; begin < text.size();) {
+        int end = text.indexOf(QLatin1Char('\n'), begin);
+        if (end < 0)
+            end = text.size();
+        if (end == begin)
+            return;
+        use(text.mid(begin, end - begin));
+        begin = end + 1;
+    }
+}
+
+/// Count and elements: between two fields a ";" in text only, one ";" behind the last in any mode.
+template <typename S, typename Iterator>
+void append(std::string &out, Iterator item, std::size_t count, int mode)
+{
+    using Element = typename std::iterator_traits<Iterator>::value_type;
+    appendCount(out, count, mode);
+    for (; count > 0; --count, ++item) {
+        if (isTextMode(mode))
+            out += ';';
+        const Element &element = *item;
+        AppendField<S>(out, element, mode);
+    }
+    out += ';';
+}
+
+/// Reads what append wrote and gives each element to \a use.
+template <typename S, typename Use>
+void read(const char **pos, int mode, const char *className, const char *functionName, Use use)
+{
+    for (std::size_t count = readCount(pos, mode); count > 0; --count) {
+        if (isTextMode(mode))
+            Kelm::readTerminator(pos, "ValueBase", "EatSemicolon");
+        use(S::FromStream(pos, mode));
+    }
+    Kelm::readTerminator(pos, className, functionName);
+}
+
+} // namespace values::Sequence
