@@ -26,8 +26,10 @@ public:
     /// Replaces the command of the open stack for which \a predicate holds. Owns \a command only
     /// when the answer is true.
     virtual bool ReplaceUndoCommand_If(CommandPredicate *predicate, KELM::ICommand *command) = 0;
-    /// Forgets everything.
+    /// Forgets everything, unless undo runs.
     virtual void ResetUndoStacks() = 0;
+    /// The same while undo runs, too: a value goes that the commands would change.
+    virtual void ForgetValues() { ResetUndoStacks(); }
 };
 
 } // namespace values

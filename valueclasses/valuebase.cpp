@@ -98,7 +98,7 @@ ValueBase::~ValueBase()
     setFlag(NotifyEnabled, true);
     ValueBase::NotifyObservers(CC_STATE, nullptr);
     if (hasFlag(HasUndo) && IUndoManager::IsAlive(GetUndoManager()))
-        GetUndoManager()->ResetUndoStacks(); // its commands would change a value that is gone
+        GetUndoManager()->ForgetValues(); // its commands would change a value that is gone
     if (m_rare != nullptr && m_rare->notifyDeleteFn)
         std::exchange(m_rare->notifyDeleteFn, nullptr)(this);
     delete m_handOver.load(std::memory_order_acquire);

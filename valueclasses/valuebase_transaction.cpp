@@ -88,12 +88,14 @@ void ValueBase::closeUndoBracket(TChangeCode code)
         return;
     FindCommandEndTransactionPredicate isOurs(bracket);
     auto end = std::make_unique<CommandEndTransaction>(this, GetUndoChangeCode(code), nullptr);
-    if (undo->ReplaceUndoCommand_If(&isOurs, end.get()))
-        static_cast<void>(end.release());
-    else
+    if (!undo->ReplaceUndoCommand_If(&isOurs, end.get())) {
+        // Without its end, the start of the inverse transaction would mute the value for ever.
         SPECTREE_TRACE(TraceLifecycle,
                        QStringLiteral("Error in ValueBase::EndTransaction: Cannot replace undo "
                                       "command of ValueBase::StartTransaction"));
+        return;
+    }
+    static_cast<void>(end.release());
     AddUndo(new CommandStartTransaction(this, nullptr));
 }
 

@@ -36,37 +36,24 @@ void expectForms(std::initializer_list<Row<T>> rows)
     }
 }
 
+// Fields that no scalar value holds; those of the values stand in valueroad_test.cpp.
 TEST(StreamFormat, WritesAndReadsNumbers)
 {
-    expectForms<char>({{'A', -1, "A", 0}, {'A', 0, "A", 'A'}});
-    expectForms<unsigned char>({{200, -1, "200", 200}, {200, 1, "\xC8", 200}});
-    expectForms<short>({{-2, -1, "-2", -2}, {-2, 0, "\xFE\xFF", -2}});
+    expectForms<char>({{'A', -1, "A", 0}});
     expectForms<unsigned short>({{65535, -1, "65535", 65535}, {65535, 0, "\xFF\xFF", 65535}});
-    expectForms<int>(
-        {{-2147483647 - 1, -1, "-2147483648", -2147483647 - 1}, {258, 0, "\x02\x01\0\0"s, 258}});
-    expectForms<unsigned int>(
-        {{4294967295U, -1, "4294967295", 4294967295U}, {1, -2, "\x01\0\0\0"s, 1}});
     expectForms<Kelm::Long>({{-5, -1, "-5", -5}, {-5, 0, "\xFB\xFF\xFF\xFF", -5}});
-    expectForms<std::int64_t>({{std::numeric_limits<std::int64_t>::min(), -1,
-                                "-9223372036854775808", std::numeric_limits<std::int64_t>::min()},
-                               {-1, 0, "\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF", -1}});
     expectForms<std::uint64_t>(
         {{18446744073709551615U, -1, "18446744073709551615", 18446744073709551615U},
          {1, 0, "\x01\0\0\0\0\0\0\0"s, 1}});
-    expectForms<bool>(
-        {{true, -1, "true", true}, {false, -1, "false", false}, {true, 0, "\x01", true}});
     expectForms<float>({{0.1F, -1, "0.100000", 0.1F}, {1.0F, 0, "\0\0\x80\x3F"s, 1.0F}});
-    expectForms<double>({{12.5, -1, "12.500000", 12.5},
-                         {1e-9, -1, "0.000000", 0.0},
-                         {1.0, 0, "\0\0\0\0\0\0\xF0\x3F"s, 1.0}});
+    expectForms<double>({{1e-9, -1, "0.000000", 0.0}});
 }
 
 TEST(StreamFormat, WritesAndReadsTexts)
 {
     const QString umlaut = QString::fromUtf8("\xC3\xA4"); // two bytes of UTF-8, one character
-    expectForms<std::string>({{"ab", -1, "ab", "ab"}, {"a;\0"s, 0, "\x03\0\0\0a;\0"s, "a;\0"s}});
-    expectForms<std::wstring>(
-        {{L"ab", -1, "ab", L"ab"}, {L"a\u20AC", 0, "\x02\0\0\0a\0\0\0\xAC\x20\0\0"s, L"a\u20AC"}});
+    expectForms<std::string>({{"a;\0"s, 0, "\x03\0\0\0a;\0"s, "a;\0"s}});
+    expectForms<std::wstring>({{L"a\u20AC", 0, "\x02\0\0\0a\0\0\0\xAC\x20\0\0"s, L"a\u20AC"}});
     expectForms<QString>({
         {"ab", -1, "ab", "ab"},
         {umlaut, -1, "\xC3\xA4", QString::fromLatin1("\xC3\xA4")},
@@ -193,23 +180,6 @@ TEST(CommandString, RefusesWhatIsMalformedAndChangesNothing)
     }
 }
 
-TEST(CommandString, ReadsEveryPrefixOfAStateWithoutPassingItsEnd)
-{
-    TestValue value("name");
-    for (const int mode : {-1, -2, 0}) {
-        const std::string whole = value.GetObjectStateStringForTransmission(unsigned(mode));
-        for (std::size_t size = 0; size < whole.size(); ++size) {
-            // Under the address sanitizer a byte read behind the end is seen.
-            std::string prefix = whole.substr(0, size);
-            prefix.shrink_to_fit();
-            try {
-                value.SetCommandString(prefix, nullptr, mode);
-            } catch (const KRException &) {
-            }
-        }
-    }
-}
-
 TEST(CommandString, BaseCommandsHaveTheseForms)
 {
     TestValue value;
@@ -218,10 +188,6 @@ TEST(CommandString, BaseCommandsHaveTheseForms)
         std::unique_ptr<Command> command;
         std::string text, binary, tagged;
     } cases[] = {
-        {std::make_unique<ValueBase::CommandHasChanged>(&value, CC_MAPPING, nullptr), "0;10;",
-         "0;10;", "0;10;"},
-        {std::make_unique<ValueBase::CommandSetState>(&value, VS_DISABLED, nullptr), "1;2;",
-         "1;\x02\0\0\0;"s, "1;\x02\0\0\0;"s},
         {std::make_unique<ValueBase::CommandSetValueDescriptor>(&value, descriptors.Get(), nullptr),
          "2;/A/B;", "2;\x04\0\0\0/A/B;"s,
          "2;\x04\0\0\0"
@@ -233,10 +199,6 @@ TEST(CommandString, BaseCommandsHaveTheseForms)
         {std::make_unique<ValueBase::CommandStartTransaction>(&value, nullptr), "3;", "3;", "3;"},
         {std::make_unique<ValueBase::CommandEndTransaction>(&value, CC_VALUE, nullptr), "4;3;",
          "4;3;", "4;3;"},
-        {std::make_unique<ValueBase::CommandUpdateTimerTime>(&value, 500U, nullptr), "5;500;",
-         "5;\xF4\x01\0\0;"s, "5;\xF4\x01\0\0;"s},
-        {std::make_unique<ValueBase::CommandSetTranslationNamespace>(&value, "Ns", nullptr),
-         "7;Ns;", "7;\x02\0\0\0Ns;"s, "7;\x02\0\0\0Ns;"s},
     };
     for (const Case &row : cases) {
         const std::pair<int, std::string> forms[] = {

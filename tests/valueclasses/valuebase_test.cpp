@@ -1,57 +1,17 @@
-#include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
 #include "valueclasses/commands/commandlistoptimizer.h"
-#include "valueclasses/commands/valuecommands.h"
 #include "valueclasses/itreeitem.h"
-#include "valueclasses/iundomanager.h"
-#include "valueclasses/notifydistinction.h"
 #include "valueclasses/testvalue.h"
 
-#include <QCoreApplication>
 #include <gmock/gmock.h>
 
-#include <atomic>
 #include <memory>
-#include <thread>
 
 namespace {
 
 using namespace values;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-/// Writes down what it is given, as the text of the commands.
-class UndoLog : public IUndoManager {
-public:
-    bool AddUndoCommand(KELM::ICommand *command) override
-    {
-        commands.emplace_back(dynamic_cast<Command *>(command));
-        return true;
-    }
-    bool ReplaceUndoCommand_If(CommandPredicate *predicate, KELM::ICommand *command) override
-    {
-        for (auto &present : commands)
-            if ((*predicate)(*present)) {
-                present.reset(dynamic_cast<Command *>(command));
-                return true;
-            }
-        return false;
-    }
-    void ResetUndoStacks() override
-    {
-        commands.clear();
-        ++resets;
-    }
-    std::string text() const { return ValueBase::CreateCommandString(commands, unsigned(-1)); }
-    void undoAll()
-    {
-        for (; !commands.empty(); commands.pop_back())
-            commands.back()->Execute();
-    }
-
-    CommandList commands;
-    int resets = 0;
-};
 
 class Item : public ITreeItem {
 public:
@@ -66,105 +26,14 @@ TEST(ValueBase, AcceptsOnlyGoodNames)
     for (const char *name : {"", "a/b", "\xC3\xA4", "a;b", "a\tb"})
         EXPECT_THROW(TestValue{QString::fromUtf8(name)}, KRException) << name;
 
+    EXPECT_EQ(LastDeletedObject::Instance().name, "A_b.c-d:e") << "a refused one never was";
+
     CodeLog log; // outlives the value, whose end it is told
     TestValue value("name");
     value.AddObserver(&log);
     EXPECT_THROW(value.SetName("", nullptr), KRException);
     value.SetName(QString::fromUtf8("\xC3\xA4/"), nullptr); // only the constructor checks
     EXPECT_THAT(log.codes, ElementsAre(CC_NAME));
-}
-
-/// One row a setter: what it notifies, what it records for itself, and what undo gets.
-struct SetterCase {
-    const char *name;
-    std::function<void(TestValue &)> set;
-    std::vector<int> codes;
-    std::string recorded, undo;
-    bool quietWhenEqual;
-};
-
-const SetterCase kSetters[] = {
-    {"state",
-     [](TestValue &v) { v.SetState(VS_DISABLED, nullptr); },
-     {CC_STATE},
-     "1;2;",
-     "1;0;",
-     true},
-    {"deleted",
-     [](TestValue &v) { v.SetState(VS_DELETED, nullptr); },
-     {CC_STATE},
-     "1;1;",
-     "",
-     true},
-    {"namespace",
-     [](TestValue &v) { v.SetTranslationNamespace("Ns", nullptr); },
-     {CC_TRANSLATION_NAMESPACE},
-     "7;Ns;",
-     "",
-     true},
-    {"changed",
-     [](TestValue &v) { v.HasChanged(CC_VALUE, nullptr); },
-     {CC_VALUE},
-     "0;3;",
-     "",
-     false},
-    {"timer", [](TestValue &v) { v.SetUpdateTimerTime(60000); }, {}, "5;60000;", "5;0;", false},
-};
-
-TEST(ValueBase, EverySetterGoesTheSameRoad)
-{
-    for (const SetterCase &row : kSetters) {
-        SCOPED_TRACE(row.name);
-        UndoLog undo;
-        std::string recorded, transmitted;
-        CodeLog log;
-        TestValue value;
-        log.then = [&](Observable *, TChangeCode) {
-            recorded = value.GetCommandStringForRecording(unsigned(-1));
-            transmitted = value.GetCommandStringForTransmission(unsigned(-1));
-        };
-        value.AddObserver(&log);
-        value.SetUndoManager(&undo);
-        value.CommandRecordingOn();
-        value.CommandRecordingOnForTransmission();
-
-        row.set(value);
-
-        EXPECT_EQ(log.take(), row.codes);
-        EXPECT_EQ(undo.text(), row.undo);
-        if (row.codes.empty()) {
-            recorded = value.GetCommandStringForRecording(unsigned(-1));
-            transmitted = value.GetCommandStringForTransmission(unsigned(-1));
-        } else {
-            EXPECT_THAT(value.GetCommandList(), IsEmpty()) << "the notification empties the lists";
-            EXPECT_THAT(value.GetCommandListForTransmission(), IsEmpty());
-        }
-        EXPECT_EQ(recorded, row.recorded);
-        EXPECT_EQ(transmitted, row.recorded);
-
-        undo.commands.clear();
-        row.set(value);
-        if (row.quietWhenEqual) {
-            EXPECT_THAT(log.codes, IsEmpty());
-            EXPECT_THAT(undo.commands, IsEmpty());
-        }
-        value.SetUndoManager(nullptr);
-    }
-}
-
-TEST(ValueBase, DeletedStateForgetsUndoAndTheSourceIsSkipped)
-{
-    UndoLog undo;
-    CodeLog source, other;
-    TestValue value;
-    value.AddObserver(&source);
-    value.AddObserver(&other);
-    value.SetUndoManager(&undo);
-    value.SetState(VS_DELETED, &source);
-    EXPECT_EQ(undo.resets, 1);
-    EXPECT_THAT(source.codes, IsEmpty());
-    EXPECT_THAT(other.codes, ElementsAre(CC_STATE));
-    value.SetUndoManager(nullptr);
 }
 
 TEST(ValueBase, RecordsIntoEitherListAsCountedAndSuspended)
@@ -308,49 +177,6 @@ TEST(ValueBase, TransactionsHoldNotificationsBack)
         EXPECT_EQ(commands, row.commands);
         value.ResumeNotifyObservers();
     }
-}
-
-TEST(ValueBase, UndoRunsTransactionsBackwards)
-{
-    UndoLog undo;
-    CodeLog log;
-    TestValue value;
-    value.SetUndoManager(&undo);
-    value.StartTransaction(nullptr);
-    value.SetState(VS_DISABLED, nullptr);
-    value.StartTransaction(nullptr);
-    value.EndTransaction(CC_ITEM_ADDED, nullptr);
-    value.EndTransaction(CC_LIST_CLEARED, nullptr);
-    // Read from the end: start, start, end (of the inner one), the state, end (of the outer one).
-    EXPECT_EQ(undo.text(), "4;7;1;0;4;6;3;3;");
-
-    value.SetUndoManager(nullptr);
-    value.AddObserver(&log);
-    undo.undoAll();
-    EXPECT_EQ(value.GetState(), VS_NORMAL);
-    EXPECT_THAT(log.codes, ElementsAre(CC_LIST_REPLACED));
-}
-
-TEST(ValueBase, EndReplacesTheBracketOfItsOwnStart)
-{
-    TestValue first, second;
-    UndoLog undo;
-    first.SetUndoManager(&undo);
-    second.SetUndoManager(&undo);
-    second.StartTransaction(nullptr);
-    first.StartTransaction(nullptr);
-    first.EndTransaction(CC_VALUE, nullptr);
-    EXPECT_EQ(undo.text(), "4;0;4;3;3;") << "the other value's stays open";
-    second.EndTransaction(CC_LIMITS, nullptr);
-    EXPECT_EQ(undo.text(), "4;4;4;3;3;3;");
-
-    undo.commands.clear();
-    first.StartTransaction(nullptr);
-    undo.commands.clear(); // as a manager does that was reset meanwhile
-    first.EndTransaction(CC_VALUE, nullptr);
-    EXPECT_EQ(undo.text(), "3;");
-    first.SetUndoManager(nullptr);
-    second.SetUndoManager(nullptr);
 }
 
 // ------------------------------------------------------------------------------ life and death

@@ -64,6 +64,48 @@ TEST(ValueThreads, ARecordedChangeIsPostedWhole)
     EXPECT_EQ(value.GetUpdateTimerTime(), 1000U);
 }
 
+TEST(ValueThreads, PostedChangesStayInOrderWhenRecordingEnds)
+{
+    CodeLog log;
+    TestValue value;
+    value.AddObserver(&log);
+    value.CommandRecordingOn();
+    ErrorHandler::Instance().SetTraceMask(0);
+    runElsewhere([&] {
+        const ValueTransaction transaction(value, {CC_VALUE, CC_LIMITS}, nullptr);
+        value.CommandRecordingOff(); // the start waits, so the end has to
+    });
+    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
+    EXPECT_FALSE(value.IsTransactionActive());
+    QCoreApplication::processEvents();
+    EXPECT_THAT(log.take(), ElementsAre(CC_VALUE, CC_LIMITS));
+    EXPECT_FALSE(value.IsTransactionActive());
+    EXPECT_FALSE(value.IsChangeForeign());
+    runElsewhere([&] { EXPECT_FALSE(value.IsChangeForeign()) << "none waits any more"; });
+}
+
+TEST(ValueThreads, AFloodWaitsForTheApplicationThreadAndLosesNothing)
+{
+    constexpr int kChanges = 10005;
+    CodeLog log;
+    TestValue value;
+    value.AddObserver(&log);
+    value.CommandRecordingOn();
+    ErrorHandler::Instance().SetTraceMask(0);
+    std::thread flood([&] {
+        for (int i = 0; i < kChanges; ++i)
+            value.HasChanged(CC_VALUE, nullptr);
+    });
+    for (QElapsedTimer since; log.codes.size() < kChanges;) {
+        if (!since.isValid())
+            since.start();
+        ASSERT_LT(since.elapsed(), 20000);
+        QCoreApplication::processEvents();
+    }
+    flood.join();
+    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
+}
+
 TEST(ValueThreads, WhatIsUnderWayDiesWithTheValue)
 {
     CodeLog log;

@@ -1,0 +1,279 @@
+#include "platform/base/errorhandler.h"
+#include "platform/base/krexception.h"
+#include "valueclasses/commands/valuecommands.h"
+#include "valueclasses/testvalue.h"
+#include "valueclasses/undo/undomanager.h"
+#include "valueclasses/undo/undoremote.h"
+#include "valueclasses/valuenumeric.h"
+
+#include <gmock/gmock.h>
+
+#include <functional>
+
+namespace {
+
+using namespace values;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+/// Something executable that isn't a change of a value.
+struct Step : KELM::ICommand {
+    explicit Step(std::function<void()> function) : work(std::move(function)) {}
+    void Execute() override { work(); }
+    int GetCommandId() const override { return 1000; }
+    std::function<void()> work;
+};
+
+struct Listener : IUndoRecordingsListener, IUndoExecutionListener {
+    void OnUndoRecordingsChanged() override { told += 'r'; }
+    void OnUndoExecutionStart() override { told += '('; }
+    void OnUndoExecutionEnd() override { told += ')'; }
+    std::string told;
+};
+
+class UndoTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        for (Value<int> *v : {&value, &other})
+            v->SetUndoManager(&undo);
+    }
+    /// One finished stack with what \a work does.
+    void stack(const char *description, const std::function<void()> &work)
+    {
+        ASSERT_TRUE(undo.OpenNewUndoStack(description));
+        work();
+        undo.FinishCurrentUndoStack();
+    }
+    void set(int number)
+    {
+        stack("set", [&] { value.SetValue(number, nullptr); });
+    }
+
+    UndoManager undo{3};
+    CodeLog log; // outlives the values, whose end it is told
+    Value<int> value, other;
+};
+
+TEST_F(UndoTest, KeepsTheNewestStacksAndRunsThemBackwards)
+{
+    for (const int number : {1, 2, 3, 4})
+        stack(std::to_string(number).c_str(), [&] {
+            value.SetValue(10 * number, nullptr);
+            value.SetValue(number, nullptr);
+        });
+    stack("empty", [] {});
+    EXPECT_THAT(undo.GetUndoStackDescriptions(), ElementsAre("2", "3", "4"));
+    EXPECT_FALSE(undo.ExecuteUndoStacks(0));
+    EXPECT_FALSE(undo.ExecuteUndoStacks(4));
+    EXPECT_TRUE(undo.ExecuteUndoStacks(1));
+    EXPECT_EQ(value.GetValue(), 3);
+    EXPECT_TRUE(undo.OpenNewUndoStack("open"));
+    EXPECT_FALSE(undo.OpenNewUndoStack("another"));
+    EXPECT_FALSE(undo.ExecuteUndoStacks(1));
+    undo.FinishCurrentUndoStack();
+    EXPECT_TRUE(undo.ExecuteUndoStacks(UndoManager::kAllStacks));
+    EXPECT_EQ(value.GetValue(), 1) << "the oldest was dropped";
+    EXPECT_FALSE(undo.ExecuteUndoStacks(UndoManager::kAllStacks));
+    EXPECT_THAT(undo.GetUndoStackDescriptions(), IsEmpty()) << "undo itself leaves no trace";
+}
+
+TEST_F(UndoTest, AChangeOutsideOfAStackOrOfADeletedValueEmptiesTheHistory)
+{
+    const std::function<void()> ends[] = {
+        [&] { value.SetValue(7, nullptr); },
+        [&] { stack("deleted", [&] { other.SetState(VS_DELETED, nullptr); }); },
+        [&] {
+            auto dying = std::make_unique<Value<int>>();
+            dying->SetUndoManager(&undo);
+            stack("dying", [&] { dying->SetValue(1, nullptr); });
+        },
+        [&] { undo = UndoManager(5); },
+    };
+    for (const auto &end : ends) {
+        set(1);
+        set(2);
+        end();
+        EXPECT_THAT(undo.GetUndoStackDescriptions(), IsEmpty());
+        EXPECT_TRUE(undo.OpenNewUndoStack("again")) << "no stack is open";
+        undo.FinishCurrentUndoStack();
+        value.SetValue(0, nullptr);
+    }
+    EXPECT_EQ(undo.GetMaxStacksSize(), 5U);
+    EXPECT_FALSE(undo.AddUndoCommand(nullptr));
+    EXPECT_FALSE(undo.AddUndoCommand(new Step([] {})));
+    {
+        set(1);
+        const Value<int> copy(value); // took the manager over, but never used it
+    }
+    EXPECT_EQ(undo.GetUndoStackDescriptions().size(), 1U);
+}
+
+TEST_F(UndoTest, ListenersAreToldAndExecutionIsFencedIn)
+{
+    Listener listener;
+    undo.AddRecordingsListener(&listener);
+    undo.AddExecutionListener(&listener);
+    stack("step", [&] {
+        value.SetValue(1, nullptr);
+        undo.AddUndoCommand(new Step([&] {
+            listener.told += 'x';
+            EXPECT_TRUE(undo.IsExecuting());
+            EXPECT_FALSE(undo.OpenNewUndoStack("nested"));
+            EXPECT_FALSE(undo.ExecuteUndoStacks(1));
+            undo.ResetUndoStacks();
+            undo.FinishCurrentUndoStack();
+        }));
+    });
+    EXPECT_TRUE(undo.ExecuteUndoStacks(1));
+    EXPECT_EQ(listener.told, "r(x)r");
+    EXPECT_EQ(value.GetValue(), 0);
+    undo.ResetUndoStacks();
+    EXPECT_EQ(listener.told, "r(x)rr");
+    undo.DeleteRecordingsListener(&listener);
+    undo.DeleteExecutionListener(&listener);
+    undo.ResetUndoStacks();
+    EXPECT_EQ(listener.told, "r(x)rr");
+}
+
+TEST_F(UndoTest, BreaksOffWhenACommandFailsOrItsValueGoes)
+{
+    auto dying = std::make_unique<Value<int>>();
+    dying->SetUndoManager(&undo);
+    const std::function<void()> steps[] = {[&] { dying.reset(); },
+                                           [] { throw KRException("no", "", "", "", 0); }};
+    for (const auto &step : steps) {
+        stack("below", [&] {
+            value.SetValue(1, nullptr);
+            if (dying != nullptr)
+                dying->SetValue(1, nullptr);
+            undo.AddUndoCommand(new Step(step));
+        });
+        try {
+            EXPECT_TRUE(undo.ExecuteUndoStacks(1));
+        } catch (const KRException &error) {
+            EXPECT_EQ(error.GetReason(), "no");
+        }
+        EXPECT_EQ(value.GetValue(), 1);
+        EXPECT_FALSE(undo.IsExecuting());
+        EXPECT_THAT(undo.GetUndoStackDescriptions(), IsEmpty());
+        value.SetValue(0, nullptr);
+    }
+}
+
+TEST_F(UndoTest, AManagerMayDieBeforeItsValues)
+{
+    auto shortLived = std::make_unique<UndoManager>(1);
+    Value<int> survivor;
+    survivor.SetUndoManager(shortLived.get());
+    shortLived->OpenNewUndoStack("s");
+    survivor.SetValue(1, nullptr);
+    shortLived.reset();
+}
+
+TEST_F(UndoTest, ATransactionIsUndoneAsOne)
+{
+    stack("transaction", [&] {
+        value.StartTransaction(nullptr);
+        value.SetValue(1, nullptr);
+        value.StartTransaction(nullptr);
+        other.StartTransaction(nullptr); // of another value, and still open when ours ends
+        value.SetValue(2, nullptr);
+        value.EndTransaction(CC_ITEM_ADDED, nullptr);
+        value.EndTransaction(CC_LIST_CLEARED, nullptr);
+        other.SetValue(9, nullptr);
+        other.EndTransaction(CC_ITEM_REMOVED, nullptr);
+    });
+    value.AddObserver(&log);
+    other.AddObserver(&log);
+    EXPECT_TRUE(undo.ExecuteUndoStacks(1));
+    EXPECT_EQ(value.GetValue(), 0);
+    EXPECT_EQ(other.GetValue(), 0);
+    EXPECT_THAT(log.take(), ElementsAre(CC_ITEM_ADDED, CC_LIST_REPLACED));
+    value.SetValue(3, nullptr);
+    other.SetValue(3, nullptr);
+    EXPECT_THAT(log.take(), ElementsAre(CC_VALUE, CC_VALUE)) << "nobody stays muted";
+}
+
+TEST_F(UndoTest, AStackIsFinishedWithItsLastOpenTransaction)
+{
+    ErrorHandler::Instance().SetTraceMask(0);
+    value.StartTransaction(nullptr); // before there is a stack: its end belongs to none
+    undo.OpenNewUndoStack("waits");
+    value.EndTransaction(CC_VALUE, nullptr);
+    value.StartTransaction(nullptr);
+    other.StartTransaction(nullptr);
+    value.SetValue(1, nullptr);
+    undo.FinishCurrentUndoStack();
+    EXPECT_FALSE(undo.OpenNewUndoStack("too early"));
+    value.EndTransaction(CC_VALUE, nullptr);
+    EXPECT_THAT(undo.GetUndoStackDescriptions(), IsEmpty());
+    other.EndTransaction(CC_VALUE, nullptr);
+    EXPECT_THAT(undo.GetUndoStackDescriptions(), ElementsAre("waits"));
+    EXPECT_TRUE(undo.ExecuteUndoStacks(1));
+    EXPECT_EQ(value.GetValue(), 0);
+    EXPECT_FALSE(value.IsTransactionActive());
+    EXPECT_FALSE(other.IsTransactionActive());
+    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
+}
+
+/// Both ends of a connection in one process: what one value records the other replays.
+class Link : public IObserver {
+public:
+    Link(ValueBase &a, ValueBase &b) : m_a(a), m_b(b)
+    {
+        for (ValueBase *end : {&m_a, &m_b}) {
+            end->CommandRecordingOnForTransmission();
+            end->AddObserver(this);
+        }
+    }
+    void Update(Observable *subject, TChangeCode code) override
+    {
+        ValueBase &from = subject == &m_a ? m_a : m_b;
+        if (code != CC_STATE || from.ValueBase::GetState() != VS_DELETED)
+            (&from == &m_a ? m_b : m_a)
+                .SetCommandString(from.GetCommandStringForTransmission(ModeText), this, ModeText);
+    }
+
+private:
+    ValueBase &m_a, &m_b;
+};
+
+TEST_F(UndoTest, ClientsOpenFinishShowAndRunStacksOfAServer)
+{
+    Value<QString> triggerS, triggerC, recordingsS, recordingsC, requestS, requestC;
+    Link trigger(triggerS, triggerC), recordings(recordingsS, recordingsC),
+        request(requestS, requestC);
+    UndoRecordingTriggerByValueServer triggerServer(&undo, &triggerS);
+    UndoRecordingsToValueServer server(&undo, &recordingsS, &requestS);
+    UndoRecordingTriggerByValueClient triggerClient(&triggerC);
+    UndoRecordingsToValueClient client(&recordingsC, &requestC);
+    Listener listener;
+    client.AddRecordingsListener(&listener);
+    EXPECT_THAT(client.GetUndoStackDescriptions(), IsEmpty());
+
+    const QString odd = QString::fromUtf8("a; \xC3\xA4 %1");
+    for (const QString &description : {odd, QString(), odd}) {
+        triggerClient.OpenNewUndoStack(description);
+        value.SetValue(value.GetValue() + 1, nullptr);
+    }
+    EXPECT_THAT(client.GetUndoStackDescriptions(), ElementsAre(odd, QString())) << "one is open";
+    client.ExecuteUndo(1);
+    EXPECT_EQ(value.GetValue(), 3) << "refused while a stack is open";
+    triggerClient.FinishCurrentUndoStack();
+    EXPECT_EQ(client.GetUndoStackDescriptions().size(), 3U);
+    client.ExecuteUndo(1);
+    client.ExecuteUndo(1); // an equal request is one more
+    EXPECT_EQ(value.GetValue(), 1);
+    EXPECT_THAT(client.GetUndoStackDescriptions(), ElementsAre(odd));
+    EXPECT_EQ(listener.told, "rrrrr");
+
+    requestC.SetValue("7 x", nullptr); // not from our class
+    recordingsC.SetValue("5 a", nullptr);
+    EXPECT_THAT(client.GetUndoStackDescriptions(), IsEmpty());
+    EXPECT_EQ(value.GetValue(), 1);
+    client.ExecuteUndo(UndoManager::kAllStacks);
+    EXPECT_EQ(value.GetValue(), 0);
+}
+
+} // namespace
