@@ -1,8 +1,12 @@
-// Storing a scan (time stamp, samples, end of scan) against a memcpy into a ring under a
-// QReadWriteLock. Prints the ratio of the medians of one run, and counts what the feeding thread
-// allocates once the ring has gone round. Run it on an idle machine:
+// Storing a scan through a fast value map (time stamp, samples, end of scan) against a memcpy into
+// a ring under a QReadWriteLock. Prints the ratio of the medians of one run, and counts what the
+// feeding thread allocates once the ring has gone round. Run it on an idle machine:
 //   bin/scanstore_bench
+#include "platform/startup/cfgcenter.h"
 #include "scanbuffer/scanbuffer.h"
+#include "scanbuffer/scanbufferrepository.h"
+#include "scanbuffer/windowrelated.h"
+#include "valueclasses/fastvaluemap.h"
 
 #include <QCoreApplication>
 #include <benchmark/benchmark.h>
@@ -62,60 +66,51 @@ struct Rival {
     std::size_t next = 0;
 };
 
+/// A fast value map with a data source, as a receiver has it.
 template <typename Y, typename YHandler>
 struct Store {
     explicit Store(std::size_t channels)
     {
         values::ChannelRangeDefinition grid;
         grid.AddRangeDefinition(1, unsigned(channels), 1e8, 1e3, QString());
+        buffer = map.CreateRealTimeBuffer();
         buffer->setSizeManagerActive(false);
-        buffer->setChannelRangeDefinition(grid);
+        map.SetChannelRangeDefinition(grid, 0);
     }
     void store(const std::vector<Y> &scan)
     {
-        buffer->addTimeStamp(++time);
-        buffer->addSpectralData({0, std::uint32_t(scan.size()), scan.data()});
-        buffer->endOfScan();
+        map.SetTimeStamp(++time);
+        map.SetChannelValues(1, unsigned(scan.size()), scan.data());
+        map.EndOfScan();
     }
-    std::shared_ptr<sbs::ScanBuffer<Y, YHandler>> buffer = sbs::ScanBuffer<Y, YHandler>::create();
+    values::FastValueMap<Y, YHandler> map;
+    std::shared_ptr<sbs::ScanBuffer<Y, YHandler>> buffer;
     KRTimeStamp time = 0;
 };
 
-/// What a window costs the feeder: five connections that run on its thread, and a reader that comes
-/// every 20 ms and looks at a thousand samples of the newest line.
+/// The window of a client, on its own thread: it folds each pass to 1000 pixels. No adapter sends
+/// what it folds, so that only storing is measured.
 template <typename Y, typename YHandler>
-class Window : public sbs::ScanBufferVisitor<Y, YHandler> {
+class Window {
 public:
-    using Buffer = sbs::ScanBuffer<Y, YHandler>;
-    explicit Window(Buffer &buffer)
+    explicit Window(Store<Y, YHandler> &store)
     {
-        const auto note = [this] { m_pending.store(true, std::memory_order_relaxed); };
-        QObject::connect(&buffer, &Buffer::signalTimeStampAdded, &buffer, note);
-        QObject::connect(&buffer, &Buffer::signalSpectralDataAdded, &buffer, note);
-        QObject::connect(&buffer, &Buffer::signalChannelRangeDefinitionChanged, &buffer, note);
-        QObject::connect(&buffer, &Buffer::signalKFactorChanged, &buffer, note);
-        QObject::connect(&buffer, &Buffer::signalScansPerSecond, &buffer, note);
-        m_thread = std::jthread([this, &buffer](std::stop_token stop) {
-            while (!stop.stop_requested()) {
-                if (m_pending.exchange(false))
-                    buffer.accept(*this);
-                std::this_thread::sleep_for(std::chrono::milliseconds(20));
-            }
+        auto *const source = dynamic_cast<sbs::ScanBufferDataSource<Y, YHandler> *>(
+            sbs::ScanBufferRepository::instance().getSourceByEndpoint(
+                QByteArray::fromStdString(store.map.GetRealTimeBufferName())));
+        sbs::WindowRelatedQObject *const window =
+            source->CreateOrGetWindowRelated(QStringLiteral("{bench}"));
+        const double channels = double(store.buffer->channelsPerChannelLine());
+        Kelm::post(window, [window, channels] {
+            window->SetXRange({1e8 - 500.0, 1e8 + (channels - 0.5) * 1e3, 1000});
+            window->SetWindowVisible(true);
         });
+        std::vector<Y> scan(std::size_t(channels), YHandler::Minimum());
+        for (int i = 0; i < 20; ++i) { // until it reads
+            store.store(scan);
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
     }
-    void visit(const sbs::ScanBufferAccess<Y, YHandler> &access) override
-    {
-        const auto [first, end] = access.getChannelLineIdRange();
-        if (first == end)
-            return;
-        const std::vector<Y> &samples = access.getChannelLine(end - 1).spectralData();
-        for (std::size_t i = 0; i < samples.size(); i += samples.size() / 1000)
-            benchmark::DoNotOptimize(samples[i] < samples[0]);
-    }
-
-private:
-    std::atomic<bool> m_pending{false};
-    std::jthread m_thread;
 };
 
 template <typename Target, typename Y>
@@ -150,7 +145,7 @@ template <typename Y, typename YHandler>
 void storeRead(benchmark::State &state)
 {
     Store<Y, YHandler> target{std::size_t(state.range(0))};
-    Window<Y, YHandler> window(*target.buffer);
+    const Window<Y, YHandler> window(target);
     run(state, target, makeScan<Y, YHandler>(std::size_t(state.range(0))));
 }
 
@@ -194,6 +189,8 @@ private:
 template <typename Y, typename YHandler>
 void registerPair()
 {
+    if (values::RealTimeBufferFactory<Y, YHandler>::Create() == nullptr)
+        return; // nobody serves this pair
     const std::string pair(values::pairName<YHandler>);
     for (const std::int64_t channels : kChannelCounts) {
         if constexpr (!std::is_same_v<YHandler, values::levelHandler>)
@@ -215,6 +212,9 @@ void registerPair()
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
+    CfgCenter::GetAppCfg().Set(QStringLiteral("UseScanBufferServer"), true);
+    CfgCenter::GetAppCfg().Set(QStringLiteral("ScanBufferServerEndpoint"),
+                               QStringLiteral("tcp://127.0.0.1:*"));
     // Interleaved, so that a machine that slows down slows both sides.
     std::vector<char *> arguments(argv, argv + argc);
     char repetitions[] = "--benchmark_repetitions=9";

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/base/instancecounter.h"
-#include "platform/base/sync.h"
+#include "platform/base/nestedreadlocker.h"
 #include "platform/base/tracelimit.h"
 #include "scanbuffer/averagetime.h"
 #include "scanbuffer/buffersizemanagementinterface.h"
@@ -33,9 +33,9 @@ using values::SpectralDataPiece;
 /// Reading: accept(). The operations of ScanBufferAccess are for visit() only.
 ///
 /// Threads: one thread feeds, at one lock a call; any thread reads, and any sets sizes and flags.
-/// One recursive read-write lock guards everything. Samples of an evicted line are replaced by
-/// `Minimum` late (see ChannelLine); a reader that asks for the current line has the rest of them
-/// replaced first, under a mutex of its own, since readers only share the lock.
+/// One read-write lock guards everything; a reader may take it again. Samples of an evicted line
+/// are replaced by `Minimum` late (see ChannelLine); a reader that asks for the current line has
+/// the rest of them replaced first, under a mutex of its own, since readers only share the lock.
 /// Ownership: shared pointers; the last one may go on any thread.
 template <typename Y, typename YHandler>
 class SPECTREE_EXPORT ScanBuffer : public ScanBufferQObject,
@@ -147,7 +147,7 @@ private:
     std::uint64_t bytesPerLine() const SPECTREE_REQUIRES_SHARED(m_lock);
     std::uint64_t sizeInBytes() const SPECTREE_REQUIRES_SHARED(m_lock);
 
-    mutable Kelm::ReadWriteLock m_lock{Kelm::ReadWriteLock::Kind::recursive};
+    mutable Kelm::ReadWriteLock m_lock; // read through NestedReadLocker only
     KRTimeStamp m_lastTimeStamp SPECTREE_GUARDED_BY(m_lock) = 0;
     Lines m_lines SPECTREE_GUARDED_BY(m_lock);
     ChannelRangeQueue m_definitions SPECTREE_GUARDED_BY(m_lock);

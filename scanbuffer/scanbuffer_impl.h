@@ -46,7 +46,7 @@ void ScanBuffer<Y, YHandler>::setSizeManagerActive(bool active)
 template <typename Y, typename YHandler>
 void ScanBuffer<Y, YHandler>::accept(ScanBufferVisitor<Y, YHandler> &visitor)
 {
-    const Kelm::ReadLocker lock(m_lock);
+    const Kelm::NestedReadLocker lock(m_lock);
     visitor.visit(*this);
 }
 
@@ -289,7 +289,7 @@ auto ScanBuffer<Y, YHandler>::initBuffer(unsigned int channels) const -> Ring
     const std::uint64_t lineBytes = std::uint64_t(channels) * values::imageSize<Y>;
     std::uint64_t lines = 0, most = 0;
     {
-        const Kelm::ReadLocker lock(m_lock);
+        const Kelm::NestedReadLocker lock(m_lock);
         lines = m_numberOfLines;
         // As many bytes as before: what the readers needed in time they need again.
         if (const std::uint64_t bytes = sizeInBytes(); m_sizeManager->isActive() && bytes != 0)
@@ -322,7 +322,7 @@ std::uint64_t ScanBuffer<Y, YHandler>::sizeInBytes() const
 template <typename Y, typename YHandler>
 std::uint64_t ScanBuffer<Y, YHandler>::getSizeInBytes() const
 {
-    const Kelm::ReadLocker lock(m_lock);
+    const Kelm::NestedReadLocker lock(m_lock);
     return sizeInBytes();
 }
 
@@ -351,7 +351,7 @@ auto ScanBuffer<Y, YHandler>::prepareRing(std::uint64_t lines) const -> Ring
     unsigned int channels = 0;
     std::uint64_t present = 0;
     {
-        const Kelm::ReadLocker lock(m_lock);
+        const Kelm::NestedReadLocker lock(m_lock);
         channels = m_lines.channelCount();
         if (channels == 0)
             return Ring();
@@ -396,14 +396,14 @@ std::uint32_t ScanBuffer<Y, YHandler>::resize(std::uint64_t lines, Ring &prepare
 template <typename Y, typename YHandler>
 std::uint32_t ScanBuffer<Y, YHandler>::getNumberOfLines() const
 {
-    const Kelm::ReadLocker lock(m_lock);
+    const Kelm::NestedReadLocker lock(m_lock);
     return static_cast<std::uint32_t>(m_lines.scanCount());
 }
 
 template <typename Y, typename YHandler>
 unsigned int ScanBuffer<Y, YHandler>::channelsPerChannelLine() const
 {
-    const Kelm::ReadLocker lock(m_lock);
+    const Kelm::NestedReadLocker lock(m_lock);
     return m_lines.channelCount();
 }
 

@@ -396,12 +396,17 @@ TEST_F(ScanBufferTest, ReadersSeeTheFlags)
     }
 }
 
-TEST_F(ScanBufferTest, AVisitorMayVisitAgain)
+TEST_F(ScanBufferTest, AVisitorMayVisitAgainWhileTheFeederWaits)
 {
     buffer->setChannelRangeDefinition(grid(4));
     scan(1);
+    std::jthread feeder;
     int visits = 0;
-    read([&](const Access &) { read([&](const Access &) { ++visits; }); });
+    read([&](const Access &) {
+        feeder = std::jthread([this] { buffer->addTimeStamp(2); });
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        read([&](const Access &) { ++visits; });
+    });
     EXPECT_EQ(visits, 1);
 }
 
