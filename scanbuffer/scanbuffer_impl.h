@@ -176,6 +176,7 @@ template <typename Y, typename YHandler>
 void ScanBuffer<Y, YHandler>::finishLine()
 {
     m_lines.finishCurrentLine();
+    noteRefill();
     m_definitions.dropBelow(m_lines.getFirstChannelLineId());
 }
 
@@ -202,7 +203,6 @@ void ScanBuffer<Y, YHandler>::finishScan(std::optional<KRTimeStamp> time)
         if (const KRTimeStamp began = line.getFirstTimeStamp(); began != 0)
             m_scanRate.addTimeStamp(began);
         finishLine();
-        noteRefill();
         scansPerSecond = m_scanRate.averageEventsPerSecond();
     }
     const Kelm::QtGate gate;
@@ -275,7 +275,6 @@ bool ScanBuffer<Y, YHandler>::continueWith(const values::ChannelRangeDefinition 
         return false;
     if (!m_lines.currentLine().isEmpty())
         finishLine();
-    noteRefill();
     m_definitions.push(m_lines.getCurrentChannelLineId(), definition);
     m_definitions.dropBelow(m_lines.getFirstChannelLineId());
     return true;
