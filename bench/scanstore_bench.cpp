@@ -3,7 +3,7 @@
 // feeding thread allocates once the ring has gone round. Run it on an idle machine:
 //   bin/scanstore_bench
 #include "platform/startup/cfgcenter.h"
-#include "scanbuffer/scanbuffer.h"
+#include "scanbuffer/scanbufferdatasource.h"
 #include "scanbuffer/scanbufferrepository.h"
 #include "scanbuffer/windowrelated.h"
 #include "valueclasses/fastvaluemap.h"
