@@ -68,7 +68,7 @@ ValueBase &ValueBase::operator=(const ValueBase &other)
     if (this == &other)
         return *this;
     m_type = other.m_type;
-    m_name = other.m_name;
+    storeName(other.m_name);
     m_state = other.m_state;
     m_properties = other.m_properties;
     SetAutoDelete(other.IsAutoDelete());
@@ -87,7 +87,11 @@ ValueBase::~ValueBase()
                            .arg(m_name, GetPathName()));
         Kelm::terminate();
     }
-    const QString path = m_rare != nullptr ? m_rare->lastCompletePathName : QString();
+    if (m_deleteObserver != nullptr)
+        m_deleteObserver->SubjectEnding(this);
+    const QString path = m_deleteObserver != nullptr ? m_deleteObserver->GetLastCompletePathName()
+                         : m_rare != nullptr         ? m_rare->lastCompletePathName
+                                                     : QString();
     LastDeletedObject::Instance() = {path.isEmpty() ? m_name : path,
                                      LastDeletedObject::ValueObjectType};
     if (m_rare != nullptr)
@@ -101,6 +105,8 @@ ValueBase::~ValueBase()
         GetUndoManager()->ForgetValues(); // its commands would change a value that is gone
     if (m_rare != nullptr && m_rare->notifyDeleteFn)
         std::exchange(m_rare->notifyDeleteFn, nullptr)(this);
+    if (m_deleteObserver != nullptr)
+        m_deleteObserver->NotifyDelete(this);
     delete m_handOver.load(std::memory_order_acquire);
 }
 
@@ -126,11 +132,23 @@ void ValueBase::setProperty(Property property, bool on)
 
 void ValueBase::SetName(const QString &name, IObserver *source)
 {
+    // The tree's index belongs to the application thread.
+    if (m_deleteObserver != nullptr && isForeignThread())
+        return PostChange([this, name, source] { SetName(name, source); });
     if (name.isEmpty())
         throw KRException("Empty names are not allowed!", __FILE__, "ValueBase", "SetName",
                           __LINE__);
-    m_name = name;
+    storeName(name);
     NotifyObservers(CC_NAME, source);
+}
+
+void ValueBase::storeName(const QString &name)
+{
+    if (m_name == name)
+        return;
+    m_name = name;
+    if (m_deleteObserver != nullptr)
+        m_deleteObserver->SubjectRenamed(this);
 }
 
 QString ValueBase::GetPathName() const
@@ -143,12 +161,9 @@ ValueItem *ValueBase::GetValueItem() const
     return m_deleteObserver != nullptr ? m_deleteObserver->AsValueItem() : nullptr;
 }
 
-void ValueBase::SetLastCompletePathName()
-{
-    if (GetValueItem() != nullptr)
-        rare().lastCompletePathName = m_deleteObserver->GetPathName();
-    m_type = GetType();
-}
+void ValueBase::SetLastCompletePathName() { m_type = GetType(); }
+
+void ValueBase::SetLastCompletePathName(const QString &path) { rare().lastCompletePathName = path; }
 
 const std::string &ValueBase::GetTranslationNamespace() const
 {

@@ -75,8 +75,11 @@ public:
     /// The path of the item that holds this value, or nothing.
     QString GetPathName() const;
     ValueItem *GetValueItem() const;
-    /// Remembers the path for messages about a deleted value, and the type for Compare.
+    /// Remembers the type for Compare, and the item's path for messages about a deleted value: as
+    /// long as there is an item, it is asked at the end.
     void SetLastCompletePathName();
+    /// For the item that leaves this value.
+    void SetLastCompletePathName(const QString &path);
     void SetDeleteObserver(ITreeItem *item) override { m_deleteObserver = item; }
     ITreeItem *GetDeleteObserver() const override { return m_deleteObserver; }
     const ValueDescriptor *GetValueDescriptor() const { return m_descriptor; }
@@ -268,6 +271,7 @@ private:
     void setFlag(Flag flag, bool on);
     static unsigned char initialFlags();
     void setProperty(Property property, bool on);
+    void storeName(const QString &name);
     bool isForeignThread() const;
     Rare &rare();
     void updateRecordingFlags();

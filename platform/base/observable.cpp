@@ -7,9 +7,11 @@
 struct Observable::Call {
     Observable *subject;
     Call *outer;
+    IObserver *source;
     std::vector<IObserver *> toFront; // of the outermost call: wishes that wait for its end
 
-    explicit Call(Observable *observable) : subject(observable), outer(observable->m_running)
+    Call(Observable *observable, IObserver *from)
+        : subject(observable), outer(observable->m_running), source(from)
     {
         observable->m_running = this;
     }
@@ -83,9 +85,14 @@ std::vector<IObserver *> Observable::GetObservers() const
     return present;
 }
 
+IObserver *Observable::GetNotificationSource() const
+{
+    return m_running != nullptr ? m_running->source : nullptr;
+}
+
 void Observable::NotifyObservers(TChangeCode code, IObserver *source)
 {
-    Call call(this);
+    Call call(this, source);
     const std::size_t end = m_observers.size();
     for (std::size_t i = 0; i < end; ++i) {
         IObserver *observer = m_observers[i];

@@ -30,7 +30,7 @@ public:
     virtual ~Observable();
 
     /// Adds an observer at the end; one that is there already changes nothing.
-    void AddObserver(IObserver *observer);
+    virtual void AddObserver(IObserver *observer);
     virtual void DeleteObserver(IObserver *observer);
     virtual void DeleteObservers();
     /// Moves an observer to the front; during a notification from its end on.
@@ -43,6 +43,8 @@ public:
     /// the call is not called any more, one that is added is not called yet; this object may be
     /// destroyed by an observer, which ends the call.
     virtual void NotifyObservers(TChangeCode code, IObserver *source);
+    /// The source of the innermost call that runs, for an observer that forwards it; else null.
+    IObserver *GetNotificationSource() const;
 
 protected:
     /// True while a call of NotifyObservers runs.
