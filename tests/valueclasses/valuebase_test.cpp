@@ -1,7 +1,7 @@
 #include "platform/base/krexception.h"
 #include "valueclasses/commands/commandlistoptimizer.h"
-#include "valueclasses/itreeitem.h"
 #include "valueclasses/testvalue.h"
+#include "valuetree/tree.h"
 
 #include <gmock/gmock.h>
 
@@ -12,12 +12,6 @@ namespace {
 using namespace values;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-class Item : public ITreeItem {
-public:
-    QString GetPathName() const override { return QStringLiteral("/A/name"); }
-    ValueItem *AsValueItem() override { return reinterpret_cast<ValueItem *>(this); }
-};
 
 TEST(ValueBase, AcceptsOnlyGoodNames)
 {
@@ -227,16 +221,15 @@ TEST(ValueBase, TellsItsEndInOrder)
 {
     CodeLog log;
     std::vector<std::string> order;
-    Item item;
+    BaseTree tree;
     auto value = std::make_unique<TestValue>("name");
     log.then = [&](Observable *, TChangeCode) {
         order.push_back("observer, state " + std::to_string(value->GetState()));
     };
     value->AddObserver(&log);
     value->BindNotifyDeleteFn([&](ValueBase *) { order.push_back("function"); });
-    value->SetDeleteObserver(&item);
+    tree.AddValue("/A/name", value.get());
     EXPECT_EQ(value->GetPathName(), "/A/name");
-    value->SetLastCompletePathName();
     value->StartTransaction(nullptr); // an open transaction must not hide the end
     delete value.get();
     static_cast<void>(value.release());

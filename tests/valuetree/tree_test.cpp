@@ -1,0 +1,253 @@
+// Life and death in the tree, and who is told of it.
+#include "platform/base/kelmos.h"
+#include "platform/base/krexception.h"
+#include "valuetree/treelog.h"
+
+#include <gmock/gmock.h>
+
+#include <thread>
+
+namespace {
+
+using namespace values;
+using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
+using ::testing::IsEmpty;
+
+/// "/n/m/v" and "/n/w" in a tree, everything watched: items by their names, values as "=name".
+struct Life {
+    Life()
+    {
+        for (const char *path : {"/n/m/v", "/n/w"}) {
+            tree.AddValue(path, new Int);
+            ValueItem *const item = tree.GetValueItem(path);
+            log.watch(item, item->GetName().toStdString());
+            log.watch(item->GetValue(), "=" + item->GetName().toStdString());
+        }
+        log.watch(tree.GetRoot(), "root");
+        log.watch(tree.GetNode("/n"), "n");
+        log.watch(tree.GetNode("/n/m"), "m");
+    }
+
+    TreeLog log; // outlives the tree, whose end it is told
+    BaseTree tree;
+};
+
+TEST(TreeLife, AddingTellsTheNodeThatReceivesOnceTheSubtreeStands)
+{
+    Life life;
+    BaseTree &tree = life.tree;
+    bool whole = false;
+    life.log.then["n 16"] = [&] { whole = tree.GetValue("/n/x/y/z") != nullptr; };
+    EXPECT_TRUE(tree.AddValue("/n/x/y/z", new Int));
+    EXPECT_TRUE(whole);
+    EXPECT_THAT(life.log.take(), ElementsAre("n 16"));
+    for (const char *path : {"/a/b/", "/a/c", "/a/c"}) // the last one is there already
+        EXPECT_TRUE(tree.AddNode(path)) << path;
+    EXPECT_THAT(life.log.take(), ElementsAre("root 16"));
+    EXPECT_TRUE(tree.AddValue("/", new Int("own")));
+    EXPECT_EQ(tree.CreateValue("/n/w", Int()), tree.GetValue("/n/w"));
+    EXPECT_EQ(tree.CreateValue("/n/m", Int()), nullptr);
+    EXPECT_EQ(tree.CreateValue("/n/w/x", Int()), nullptr);
+    ValueBase *const made = tree.CreateValue("/n/q", Int("prototype", 7));
+    ASSERT_NE(made, nullptr);
+    EXPECT_EQ(made->GetName() + made->GetStringValue(), "q7");
+    EXPECT_EQ(names(tree),
+              "/\n\t/n\n\t\t/m\n\t\t\t/v\n\t\t/w\n\t\t/x\n\t\t\t/y\n\t\t\t\t/z\n\t\t/q\n"
+              "\t/a\n\t\t/b\n\t\t/c\n\t/own\n");
+}
+
+TEST(TreeLife, WhatIsRefusedStaysTheCallers)
+{
+    Life life;
+    BaseTree &tree = life.tree;
+    const std::string before = names(tree);
+    Int value("own");
+    Node node("m"), nameless;
+    for (const char *path : {"/n/w", "/n/m", "/n/m/", "/n/w/x", "/n/w/x/y", "relative"})
+        EXPECT_FALSE(tree.AddValue(path, &value)) << path;
+    EXPECT_FALSE(tree.AddValue("/n/own", tree.GetValue("/n/w"))); // held already
+    for (const char *path : {"/n", "/n/w", "/n/w/x"})
+        EXPECT_FALSE(tree.AddNode(path, &node)) << path;
+    EXPECT_FALSE(tree.AddNode("/n", &nameless));
+    EXPECT_FALSE(tree.AddNode("/n/w/x"));
+    EXPECT_FALSE(tree.DeleteValue("/n/m"));
+    EXPECT_FALSE(tree.DeleteNode("/n/w"));
+    EXPECT_THROW(tree.GetNode("/n/m")->AddItem(tree.GetNode("/n")), KRException); // below itself
+    EXPECT_THROW(tree.GetNode("/n")->SetName("", nullptr), KRException);
+    for (const QString &path :
+         {QString("/a//b"), QString("/1"), QString(), QString("/a").repeated(257)})
+        EXPECT_THROW(tree.AddValue(path, &value), KRException) << path.toStdString();
+    EXPECT_EQ(names(tree), before);
+    EXPECT_EQ(value.GetName(), "own");
+    EXPECT_EQ(value.GetDeleteObserver(), nullptr);
+    EXPECT_THAT(life.log.take(), IsEmpty());
+}
+
+struct Ending {
+    const char *name;
+    std::function<void(BaseTree &)> end;
+    std::vector<std::string> told;
+    const char *lastDeleted;
+};
+
+const Ending kEndings[] = {
+    {"a value by path",
+     [](BaseTree &tree) { tree.DeleteValue("/n/w"); },
+     {"w 17", "w 18", "=w 2"},
+     "/n/w"},
+    {"a value item",
+     [](BaseTree &tree) { delete tree.GetValueItem("/n/w"); },
+     {"w 18", "=w 2"},
+     "/n/w"},
+    {"a value", [](BaseTree &tree) { delete tree.GetValue("/n/w"); }, {"w 2", "=w 2"}, "/n/w"},
+    {"a subtree",
+     [](BaseTree &tree) { tree.DeleteNode("/n"); },
+     {"v 17", "v 1", "=v 1", "v 18", "m 17", "m 18", "w 17", "w 1", "=w 1", "w 18", "n 18", "=v 2",
+      "=w 2"},
+     "/n/w"},
+    {"children",
+     [](BaseTree &tree) { tree.GetNode("/n/m")->DeleteChildren(); },
+     {"v 17", "v 1", "=v 1", "v 18", "=v 2"},
+     "/n/m/v"},
+    {"the tree",
+     [](BaseTree &tree) { tree.DeleteNode("/"); },
+     {"v 17", "v 1", "=v 1", "v 18", "m 17", "m 18", "w 17", "w 1", "=w 1", "w 18", "n 17", "n 18",
+      "root 18", "=v 2", "=w 2"},
+     "/n/w"},
+};
+
+TEST(TreeLife, EveryEndIsToldOnceAndInOrder)
+{
+    for (const Ending &row : kEndings) {
+        SCOPED_TRACE(row.name);
+        Life life;
+        row.end(life.tree);
+        EXPECT_THAT(life.log.take(), ElementsAreArray(row.told));
+        EXPECT_EQ(Tree::LastDeletedObjectName(), row.lastDeleted);
+    }
+    BaseTree empty;
+    EXPECT_TRUE(empty.DeleteNode("/")); // from now on nothing is found or added
+    EXPECT_EQ(Tree::m_eLastDelObjectType, LastDeletedObject::NodeType);
+    EXPECT_FALSE(empty.AddNode("/a"));
+    EXPECT_EQ(empty.GetValue("/a"), nullptr);
+    EXPECT_EQ(empty.GetSubTree("/"), nullptr);
+}
+
+/// What an observer does when it is told something, while others walk the same items.
+TEST(TreeLife, ObserversMayDeleteWhatTheyWatch)
+{
+    const std::map<std::string, std::function<void(BaseTree &)>> actions = {
+        {"delete value", [](BaseTree &tree) { delete tree.GetValue("/n/m/v"); }},
+        {"delete item", [](BaseTree &tree) { delete tree.GetValueItem("/n/m/v"); }},
+        {"delete by path", [](BaseTree &tree) { tree.DeleteValue("/n/m/v"); }},
+        {"delete sibling", [](BaseTree &tree) { tree.DeleteValue("/n/w"); }},
+        {"delete parent", [](BaseTree &tree) { tree.DeleteNode("/n/m"); }},
+        {"delete all", [](BaseTree &tree) { tree.DeleteNode("/"); }},
+        {"add", [](BaseTree &tree) { tree.CreateValue("/n/m/new", Int()); }},
+        {"move", [](BaseTree &tree) {
+             if (Node *const node = tree.GetNode("/n/m"))
+                 tree.AddNode("/", node);
+         }}};
+    for (const char *when : {"v 17", "v 1", "v 18", "=v 1", "=v 2", "m 17", "n 18"})
+        for (const auto &[name, act] : actions) {
+            for (const Ending &row : kEndings) {
+                SCOPED_TRACE(std::string(when) + ", " + name + ", " + row.name);
+                Life life;
+                life.log.then[when] = [&life, run = act] {
+                    life.log.then.clear();
+                    run(life.tree);
+                };
+                row.end(life.tree);
+                for (const char *once :
+                     {"v 17", "v 18", "m 17", "m 18", "w 17", "w 18", "=v 2", "=w 2"})
+                    EXPECT_LE(std::count(life.log.lines.begin(), life.log.lines.end(), once), 1)
+                        << once;
+            }
+        }
+}
+
+TEST(TreeLife, AnItemListensToItsValueWhileItIsObserved)
+{
+    TreeLog log;
+    BaseTree tree;
+    tree.AddValue("/v", new Int);
+    auto *const value = static_cast<Int *>(tree.GetValue("/v"));
+    ValueItem *const item = tree.GetValueItem("/v");
+    EXPECT_FALSE(value->HasObservers());
+    IObserver *const first = log.watch(item, "first");
+    log.watch(item, "second");
+    value->SetValue(1, first); // the source is skipped at the item too
+    EXPECT_THAT(log.take(), ElementsAre("second 3"));
+    item->DeleteObservers();
+    EXPECT_FALSE(value->HasObservers());
+
+    EXPECT_EQ(item->GetPathName(), "/v");
+    value->SetName("x", nullptr);
+    EXPECT_EQ(tree.GetValueItem("/x"), item);
+    delete value;
+    EXPECT_EQ(item->GetValue(), nullptr);
+    EXPECT_EQ(item->GetStringValue(), "");
+    EXPECT_EQ(item->GetLastCompletePathName(), "/x");
+    EXPECT_EQ(tree.GetValueItem("/x"), nullptr);
+    EXPECT_TRUE(item->AddValue("", new Int("x")));
+    EXPECT_EQ(tree.GetValueItem("/x"), item);
+}
+
+TEST(TreeLife, AnAutoDeleteValueGoesWithItsLastObserver)
+{
+    TreeLog log;
+    BaseTree tree;
+    tree.SetAutoDeleteAtAddValue(true);
+    tree.AddValue("/n/kept", new Int);
+    tree.AddValue("/n/gone", new Int);
+    ValueBase *const kept = tree.GetValue("/n/kept");
+    IObserver *const observer = log.watch(kept, "kept");
+    log.watch(tree.GetNode("/n"), "n");
+    tree.DeleteNode("/n");
+    EXPECT_THAT(log.take(), ElementsAre("kept 1", "n 18"));
+    kept->DeleteObserver(observer);
+    EXPECT_EQ(Tree::LastDeletedObjectName(), "/n/kept");
+}
+
+TEST(TreeLife, PathsOutliveTheTree)
+{
+    TreeLog log;
+    QString path, last;
+    {
+        BaseTree tree;
+        tree.AddValue("/n/m/v", new Int);
+        ValueItem *const item = tree.GetValueItem("/n/m/v");
+        log.watch(item->GetValue(), "=v");
+        log.watch(tree.GetRoot(), "root");
+        log.then["root 18"] = [&] { path = item->GetLastCompletePathName(); };
+        log.then["=v 2"] = [&] { last = Tree::LastDeletedObjectName(); };
+    }
+    EXPECT_EQ(path, "/n/m/v");
+    EXPECT_EQ(last, "/n/m/v");
+
+    Node top("top");
+    top.AddValue("a/b", new Int);
+    EXPECT_EQ(top.GetPathName(), "");
+    const TreeItem *const inner = top.GetChild("a")->AsNode()->GetChild("b");
+    EXPECT_EQ(inner->GetPathName(), "/a/b"); // begins at the detached top
+    EXPECT_EQ(inner->GetPathName_NoSlashForRoot(), "/a/b");
+}
+
+TEST(TreeDeath, DestroyingOnAWrongThreadEndsTheProcess)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto elsewhere = [](auto act) { std::thread(act).join(); };
+    BaseTree tree;
+    tree.AddValue("/n/v", new Int);
+    EXPECT_DEATH(elsewhere([&] { tree.DeleteNode("/n"); }),
+                 "VTTHREADING: Destructing node from non-main thread /n");
+    EXPECT_DEATH(elsewhere([&] { delete tree.GetValueItem("/n/v"); }),
+                 "VTTHREADING: Destructing value item from non-main thread ");
+    Kelm::setUnloading(true);
+    elsewhere([&] { tree.DeleteNode("/n"); });
+    Kelm::setUnloading(false);
+    EXPECT_EQ(tree.GetNode("/n"), nullptr);
+}
+
+} // namespace

@@ -1,0 +1,147 @@
+// Copies, comparisons and text forms of items.
+#include "platform/base/krexception.h"
+#include "valueclasses/valuefactory.h"
+#include "valueclasses/valuenumericwithoffset.h"
+#include "valuetree/treelog.h"
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using namespace values;
+
+std::unique_ptr<Node> makeNode(std::initializer_list<std::pair<const char *, int>> values)
+{
+    auto node = std::make_unique<Node>("n");
+    for (const auto &[path, number] : values)
+        node->AddValue(path, new Int("v", number));
+    return node;
+}
+
+TEST(TreeCopy, ComparesByNameAndContent)
+{
+    const auto node = makeNode({{"a", 1}, {"s/b", 2}});
+    EXPECT_TRUE(node->Compare(makeNode({{"s/b", 2}, {"a", 1}}).get())); // in any order
+    EXPECT_FALSE(node->Compare(nullptr));
+    for (const auto &other :
+         {makeNode({{"a", 1}}), makeNode({{"a", 1}, {"s/b", 3}}), makeNode({{"a", 1}, {"s", 2}}),
+          makeNode({{"a/x", 1}, {"s/b", 2}}), makeNode({{"a", 1}, {"s/c", 2}})})
+        EXPECT_FALSE(node->Compare(other.get())) << names(*other);
+}
+
+TEST(TreeCopy, CopiesAndMerges)
+{
+    const auto from = makeNode({{"a", 1}, {"s/b", 2}, {"s/c", 3}});
+    Node copy;
+    copy.AddValue("old", new Int);
+    copy.Copy(from.get());
+    EXPECT_TRUE(copy.Compare(from.get()));
+    copy.Copy(copy.GetNode("s")); // which goes with the other children
+    EXPECT_EQ(names(copy), "/s\n\t/b\n\t/c\n");
+
+    const auto into = makeNode({{"s/b", 7}, {"a/x", 1}});
+    into->Merge(from.get());
+    EXPECT_EQ(names(*into), "/n\n\t/s\n\t\t/b\n\t\t/c\n\t/a\n\t\t/x\n");
+    EXPECT_EQ(into->GetValue("s/b")->GetStringValue(), "7"); // what exists stays
+    EXPECT_EQ(into->CopyChildNode(from->GetNode("s")), into->GetNode("s"));
+    EXPECT_EQ(into->GetValue("s/b")->GetStringValue(), "2");
+    const Node *const made = into->CopyChildNode(makeNode({}).get());
+    EXPECT_EQ(made, into->GetNode("n"));
+
+    EXPECT_EQ(into->GetUniqueChildName("item12"), "item00000");
+    into->AddItemUnique(new Node("item7"));
+    into->AddItemUnique(new Node("item7"));
+    EXPECT_NE(into->GetNode("item00001"), nullptr);
+}
+
+TEST(TreeText, PrintsForDiagnosis)
+{
+    BaseTree tree;
+    auto *const number = new ValueNumeric<int>("n", 5, 0, 10);
+    tree.AddValue("/a/n", number);
+    tree.AddValue("/a/f", new ValueNumeric<double>("f", 0.5, 0, 1, 0.25));
+    tree.AddValue("/a/o", new ValueNumericWithOffset<double>("o"));
+    tree.AddValue("/a/t", new Value<QString>("t", QString("text")));
+    tree.AddValue("/a/b", new Value<bool>("b", true));
+    tree.AddValue("/a/i", new Int("i", 3));
+    std::string full, kinds;
+    tree.AddTreeString(full, 0, 0);
+    tree.AddTreeString(kinds, 1, 1);
+    EXPECT_EQ(full, "/\n\t/a\n"
+                    "\t\t/n = 5 (NumericInt: Min=0, Max=10, Step=1, Unit=, Basis=0)\n"
+                    "\t\t/f = 0.500000 (NumericFloat: Min=0, Max=1, Step=0.25, Unit=, Basis=0)\n"
+                    "\t\t/o = 0.000000 (NumericFloatWithOffset: Offset=0 Min=0, Max=1, Step=1, "
+                    "Unit=, Basis=0)\n"
+                    "\t\t/t = text (String)\n\t\t/b = true (ValueBoolean)\n"
+                    "\t\t/i = 3 ( *** unknown type *** )\n");
+    EXPECT_EQ(kinds, "\t/\n\t\t/a\n\t\t\t/n(NumericInt)\n\t\t\t/f(NumericFloat)\n"
+                     "\t\t\t/o(NumericFloatWithOffset)\n\t\t\t/t(String)\n\t\t\t/b(ValueBoolean)\n"
+                     "\t\t\t/i( *** unknown type *** )\n");
+}
+
+TEST(TreeText, StringFormsRoundTrip)
+{
+    TreeLog log;
+    Node node("n");
+    EXPECT_EQ(node.GetAsStdString(), "n;;");
+    node.SetAsStdString("other;unknown;", nullptr);
+    EXPECT_EQ(node.GetName(), "other");
+
+    ValueItem from(new ValueNumeric<int>("v", 5, 0, 10)), to;
+    EXPECT_EQ(from.GetAsStdString(), "v;6,;1;0;7;VdStr;2;;20;5;21;0;22;10;23;1;20;5;;");
+    log.watch(&to, "to");
+    to.SetAsStdString(from.GetAsStdString(), nullptr);
+    ASSERT_NE(to.GetValue(), nullptr);
+    EXPECT_EQ(to.GetAsStdString(), from.GetAsStdString());
+    EXPECT_FALSE(log.take().empty());
+    EXPECT_EQ(ValueItem().GetAsStdString(), "");
+
+    ValueItem disabled;
+    disabled.SetAsStdString("v;2,;;", nullptr);
+    EXPECT_EQ(disabled.GetState(), VS_DISABLED);
+}
+
+TEST(TreeText, MalformedFormsChangeNothing)
+{
+    using namespace std::string_view_literals;
+    ValueItem item(new Int("v", 1)), empty;
+    for (const auto text : {"v"sv, "v;2"sv, "v;2,"sv, ";2,;20;5;;"sv, "v;x,;20;5;;"sv, "v;999,;;"sv,
+                            "v;2,;20;5"sv, "v;2,;20;5;99;;"sv, ""sv}) {
+        EXPECT_THROW(empty.SetAsStdString(text, nullptr), KRException) << text;
+        EXPECT_EQ(empty.GetValue(), nullptr);
+        EXPECT_THROW(item.SetAsStdString(text, nullptr), KRException) << text;
+        EXPECT_EQ(item.GetStringValue(), "1");
+    }
+    EXPECT_THROW(item.SetAsStdString("v;3,;20;5;;", nullptr), KRException); // another type
+    Node node("n");
+    for (const auto text : {"x"sv, "x;key"sv, ";key;"sv, ""sv}) {
+        EXPECT_THROW(node.SetAsStdString(text, nullptr), KRException) << text;
+        EXPECT_EQ(node.GetName(), "n");
+    }
+}
+
+TEST(ValueFactory, CreatesAndCopiesTheKindThatWasAsked)
+{
+    const ValueFactory &factory = ValueFactory::Instance();
+    for (const QString &name : {QString("ValueStreamFloat"), QString("ValueStreamDouble"),
+                                QString("ValueNumericInt64"), QString("ValueEmpty")}) {
+        const std::unique_ptr<ValueBase> value(factory.CreateValue(name));
+        ASSERT_NE(value, nullptr) << name.toStdString();
+        EXPECT_EQ(value->GetTypeName(), name);
+        const std::unique_ptr<ValueBase> copy(factory.CloneValue(*value));
+        ASSERT_NE(copy, nullptr);
+        EXPECT_EQ(copy->GetTypeName(), name);
+        EXPECT_EQ(factory.TypeForTypeName(name), value->GetType());
+    }
+    EXPECT_EQ(factory.CreateValue("Unknown"), nullptr);
+    EXPECT_EQ(factory.TypeForTypeName("Unknown"), VTYPE_Unknown);
+    EXPECT_EQ(factory.CreateValue(ValueType(999)), nullptr);
+    EXPECT_FALSE(factory.IsRegistered(ValueType(999)));
+    const std::unique_ptr<ValueBase> first(factory.CreateValue(VTYPE_ValueStreamFloat));
+    EXPECT_EQ(first->GetTypeName(), factory.TypeNameForType(VTYPE_ValueStreamFloat));
+
+    class Special : public Int {};
+    EXPECT_EQ(factory.CloneValue(Special()), nullptr); // never a slice of it
+}
+
+} // namespace

@@ -1,0 +1,49 @@
+#include "valuetree/node.h"
+#include "valuetree/treewatch_p.h"
+
+namespace values {
+
+namespace {
+thread_local ItemWatch *innermostWatch = nullptr;
+thread_local ChildWalk *innermostWalk = nullptr;
+} // namespace
+
+ItemWatch::ItemWatch(const TreeItem *item) : m_item(item), m_outer(innermostWatch)
+{
+    innermostWatch = this;
+}
+
+ItemWatch::~ItemWatch() { innermostWatch = m_outer; }
+
+void ItemWatch::tellDestroyed(const TreeItem *item)
+{
+    for (ItemWatch *watch = innermostWatch; watch != nullptr; watch = watch->m_outer)
+        if (watch->m_item == item)
+            watch->m_item = nullptr;
+}
+
+ChildWalk::ChildWalk(const Node &node)
+    : m_next(node.m_first), m_end(node.m_nextPosition), m_outer(innermostWalk)
+{
+    innermostWalk = this;
+}
+
+ChildWalk::~ChildWalk() { innermostWalk = m_outer; }
+
+TreeItem *ChildWalk::next()
+{
+    TreeItem *const item = m_next;
+    if (item == nullptr || item->m_position >= m_end)
+        return nullptr;
+    m_next = item->m_next;
+    return item;
+}
+
+void ChildWalk::tellUnlinked(const TreeItem &item)
+{
+    for (ChildWalk *walk = innermostWalk; walk != nullptr; walk = walk->m_outer)
+        if (walk->m_next == &item)
+            walk->m_next = item.m_next;
+}
+
+} // namespace values

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "valuetree/treeitem.h"
+
+namespace values {
+
+/// Tells whether an item was destroyed since, by an observer that was called meanwhile. Lives on
+/// the stack.
+class ItemWatch {
+public:
+    explicit ItemWatch(const TreeItem *item);
+    ~ItemWatch();
+    ItemWatch(const ItemWatch &) = delete;
+    ItemWatch &operator=(const ItemWatch &) = delete;
+    bool isGone() const { return m_item == nullptr; }
+    static void tellDestroyed(const TreeItem *item);
+
+private:
+    const TreeItem *m_item;
+    ItemWatch *m_outer;
+};
+
+/// Walks the children that a node has now, while any of them may go. Lives on the stack.
+class ChildWalk {
+public:
+    explicit ChildWalk(const Node &node);
+    ~ChildWalk();
+    ChildWalk(const ChildWalk &) = delete;
+    ChildWalk &operator=(const ChildWalk &) = delete;
+    /// Null at the end.
+    TreeItem *next();
+    static void tellUnlinked(const TreeItem &item);
+
+private:
+    TreeItem *m_next;
+    std::uint32_t m_end; // children that came later are left out
+    ChildWalk *m_outer;
+};
+
+} // namespace values
