@@ -13,6 +13,7 @@ namespace values {
 
 /// An ordered list of named items and the choice among them: what stands behind a combo box or a
 /// mode switch. An item is chosen by name, value, key or index; among equal ones the first counts.
+/// Views show it through selection/valueselectionmodel.h.
 ///
 /// Every change goes the road of ValueBase: CC_VALUE tells of a choice, CC_ITEM_ADDED of an item,
 /// CC_LIST_REPLACED of a deleted one, CC_LIST_CLEARED of an empty list. Undo gives items their old

@@ -1,0 +1,298 @@
+#include "platform/base/krexception.h"
+#include "valueclasses/changeroad.h"
+#include "valueclasses/selection/multiselectioncommands.h"
+#include "valueclasses/selection/valuemultiselection.h"
+#include "valueclasses/selection/valueselectionhelpers.h"
+
+#include <QCoreApplication>
+
+#include <random>
+#include <thread>
+
+namespace {
+
+using namespace values;
+using ::testing::ElementsAre;
+using ::testing::UnorderedElementsAre;
+using valueitemmap::ChangeRecord;
+using valueitemmap::InvalidKey;
+
+template <typename Selection>
+class MultiSelection : public ::testing::Test {
+public:
+    using Items = typename Selection::Items;
+    using Item = typename Items::mapped_type;
+    static constexpr bool isExclusive =
+        std::is_same_v<Selection, ValueStringExclusiveSelection> ||
+        std::is_same_v<Selection, ValueStringDoubleExclusiveSelection>;
+
+    static Item item(const char *text, bool selected = false)
+    {
+        Item made;
+        made.SetText(QString::fromUtf8(text));
+        made.SetSelected(selected);
+        if constexpr (requires { made.SetValue(0.0); })
+            made.SetValue(1.0 / 3.0);
+        return made;
+    }
+    /// "a", "\xC3\xA4;" and "c" under 0, 1 and 2; the middle one is selected.
+    static std::unique_ptr<Selection> make()
+    {
+        auto made = std::make_unique<Selection>("m");
+        made->Add(item("a"), nullptr);
+        made->Add(item("\xC3\xA4;", true), nullptr);
+        made->Add(item("c"), nullptr);
+        return made;
+    }
+};
+
+using Kinds =
+    ::testing::Types<ValueStringMultiSelection, ValueStringExclusiveSelection,
+                     ValueStringDoubleMultiSelection, ValueStringDoubleExclusiveSelection>;
+TYPED_TEST_SUITE(MultiSelection, Kinds);
+
+TYPED_TEST(MultiSelection, GoesTheRoadOfAChange)
+{
+    using S = TypeParam;
+    const auto item = [](const char *text, bool selected = false) {
+        return TestFixture::item(text, selected);
+    };
+    const auto road = [](const char *name, std::function<void(S &)> set, std::vector<int> codes,
+                         std::string text, RoadCase::Again again = RoadCase::Quiet,
+                         bool endsSuppression = false) {
+        const auto change = [set](ValueBase &value) { set(dynamic_cast<S &>(value)); };
+        return RoadCase{name,  TestFixture::make, change, std::move(codes), std::move(text),
+                        again, endsSuppression};
+    };
+    const std::list<typename TestFixture::Item> others{item("x"), item("y", true)};
+    const RoadCase cases[] = {
+        road(
+            "select", [](S &s) { s.SelectAt(2, true, nullptr); }, {19}, "31;2;true;"),
+        road(
+            "deselect", [](S &s) { s.SelectAt(1, false, nullptr); }, {19}, "31;1;false;"),
+        road(
+            "disable", [](S &s) { s.EnableAt(0, false, nullptr); }, {19}, "32;0;false;"),
+        road(
+            "no empty selection", [](S &s) { s.SetAllowEmptySelection(false, nullptr); }, {3},
+            "33;false;"),
+        road(
+            "empty text", [](S &s) { s.SetEmptyText("none", nullptr); }, {3}, "33;none;"),
+        road(
+            "text of many", [](S &s) { s.SetMultiSelectedText("many", nullptr); }, {3}, "34;many;"),
+        road(
+            "erase", [](S &s) { s.EraseAt(1, nullptr); }, {3}, "21;1;0;3;", {}, true),
+        road(
+            "clear", [](S &s) { s.Clear(nullptr); }, {3}, "22;0;3;", {}, true),
+        road(
+            "replace", [&](S &s) { s.SetAt(1, item("n"), nullptr); }, {3}, "", {}, true),
+        road(
+            "set all",
+            [&](S &s) {
+                s.SetMap({{7, item("x")}, {1, item("y", true)}}, nullptr);
+            },
+            {3, 3, 3, 3, 3}, "", RoadCase::Repeats, true),
+        road(
+            "set a list", [&](S &s) { s.Set(others, true, false, nullptr); }, {3, 3, 3, 3}, "",
+            RoadCase::Repeats, true),
+    };
+    for (const RoadCase &c : cases)
+        checkRoad(c);
+}
+
+TYPED_TEST(MultiSelection, UndoesAndReplaysARandomLife)
+{
+    for (unsigned seed = 1; seed <= 10; ++seed) {
+        SCOPED_TRACE(seed);
+        std::mt19937 random(seed);
+        const auto value = this->make(), first = this->make(), replica = this->make();
+        UndoList undo;
+        value->SetUndoManager(&undo);
+        Recorder recorder(*value, ModeBinaryTagged);
+        for (int i = 0; i < 300; ++i) {
+            const unsigned key = random() % 6;
+            const bool flag = random() % 2 == 0;
+            switch (random() % 8) {
+            case 0:
+                value->SetAt(key, this->item(key < 3 ? "\xE2\x82\xAC" : "b", flag), nullptr);
+                break;
+            case 1:
+                value->EraseAt(key, nullptr);
+                break;
+            case 2:
+                value->EnableAt(key, flag, nullptr);
+                break;
+            case 3:
+                value->SetAllowEmptySelection(flag, nullptr);
+                break;
+            case 4:
+                value->SetEmptyText(flag ? "true" : "\xC3\xA4", nullptr);
+                break;
+            case 5:
+                key == 0 ? value->Clear(nullptr) : void(value->Add(this->item("n"), nullptr));
+                break;
+            default:
+                value->SelectAt(key, flag, nullptr);
+            }
+            ASSERT_TRUE(!this->isExclusive || value->GetSelectedIndices().size() <= 1);
+        }
+        replica->SetCommandString(recorder.transmitted, nullptr, ModeBinaryTagged);
+        EXPECT_TRUE(*replica == *value);
+        recorder.transmitted.clear();
+        undo.undoAll();
+        EXPECT_TRUE(*value == *first);
+        replica->SetCommandString(recorder.transmitted, nullptr, ModeBinaryTagged);
+        EXPECT_TRUE(*replica == *first);
+        value->SetUndoManager(nullptr);
+    }
+}
+
+TYPED_TEST(MultiSelection, KeepsItsRules)
+{
+    const auto value = this->make();
+    EXPECT_TRUE(value->SelectAt(0, true, nullptr));
+    if (this->isExclusive)
+        EXPECT_THAT(value->GetSelectedIndices(), ElementsAre(0));
+    else
+        EXPECT_THAT(value->GetSelectedIndices(), ElementsAre(0, 1));
+    value->SetAllowEmptySelection(false, nullptr);
+    value->SelectAt(1, false, nullptr);
+    EXPECT_FALSE(value->SelectAt(0, false, nullptr));
+    EXPECT_FALSE(value->SelectAt(9, true, nullptr));
+    EXPECT_FALSE(value->EnableAt(9, true, nullptr));
+    EXPECT_EQ(value->GetCurrentIndex(), 0U);
+    EXPECT_EQ(value->GetSelectionText(), "a");
+    EXPECT_TRUE(ValueSelectionHelpers::SelectOnly(*value, 2, nullptr));
+    EXPECT_FALSE(ValueSelectionHelpers::SelectOnly(*value, 9, nullptr));
+    EXPECT_THAT(ValueSelectionHelpers::GetSelectedTexts(*value), ElementsAre("c"));
+    value->SetEmptyText("-", nullptr);
+    value->Clear(nullptr);
+    EXPECT_EQ(value->GetSelectionText(), "-");
+    EXPECT_THROW(value->Assign(TestValue()), KRException);
+    TypeParam copy(*this->make()), assigned;
+    assigned.Assign(copy);
+    EXPECT_TRUE(assigned == copy);
+    EXPECT_FALSE(assigned == *value);
+}
+
+TYPED_TEST(MultiSelection, TellsTheFlagFromTheTextOfId33)
+{
+    const QString texts[] = {"", "1", "true ", QString(0x3B00, 'x'), QString(0x3B01, ';')};
+    for (const int mode : {-1, 0, 1, -2, -3})
+        for (const QString &text : texts)
+            for (const bool allow : {true, false}) {
+                if (mode == ModeText && text.contains(';'))
+                    continue; // a ";" splits a text
+                TypeParam value("m"), copy("m");
+                value.SetEmptyText(text, nullptr);
+                value.SetAllowEmptySelection(allow, nullptr);
+                copy.SetAllowEmptySelection(!allow, nullptr);
+                copy.SetCommandString(value.GetObjectStateStringForTransmission(unsigned(mode)),
+                                      nullptr, mode);
+                EXPECT_TRUE(copy == value) << mode << ' ' << text.size();
+            }
+    // The one loss of the text form beside those of every text.
+    TypeParam value("m");
+    value.SetCommandString("33;false;", nullptr, ModeText);
+    EXPECT_FALSE(value.GetAllowEmptySelection());
+    EXPECT_EQ(value.GetEmptyText(), "");
+}
+
+TYPED_TEST(MultiSelection, RefusesABrokenStringWhole)
+{
+    using namespace std::string_literals;
+    const auto before = this->make();
+    const std::string whole = before->GetObjectStateStringForTransmission(0);
+    const auto value = this->make();
+    for (std::size_t size = 1; size < whole.size(); ++size) {
+        try {
+            value->SetCommandString("22;" + whole.substr(0, size), nullptr, 0);
+            value->Assign(*before); // cut between two commands
+        } catch (const KRException &) {
+            ASSERT_TRUE(*value == *before) << size;
+        }
+    }
+    for (const std::string &broken :
+         {"20;\0\0\0\0\xFF\xFF\xFF\xFF;"s, "20;\0\0\0\0\0\0\0\0\0\0."s, "31;\0\0\0\0\1"s, "33;\1"s})
+        EXPECT_THROW(value->SetCommandString(broken, nullptr, 0), KRException);
+}
+
+using Map = ValueStringMultiSelection;
+
+TEST(ItemMap, LogsItsLastHundredChanges)
+{
+    Map map("m");
+    const StringMultiSelectionItem item("a");
+    EXPECT_EQ(map.Add(item, nullptr), 0U);
+    map.SetAt(0, item, nullptr); // equal: no change
+    map.EraseAt(9, nullptr);
+    map.EraseAt(0, nullptr);
+    map.Clear(nullptr); // empty already
+    map.SetAt(4, item, nullptr);
+    map.Clear(nullptr);
+    const auto &log = map.GetChangeLog();
+    EXPECT_THAT(std::vector<ChangeRecord>(log.begin(), log.end()),
+                ElementsAre(ChangeRecord{0, valueitemmap::ItemSet, 0},
+                            ChangeRecord{1, valueitemmap::ItemErased, 0},
+                            ChangeRecord{2, valueitemmap::ItemSet, 4},
+                            ChangeRecord{3, valueitemmap::MapCleared, InvalidKey}));
+    for (int i = 0; i < 97; ++i)
+        map.PushBack(item, nullptr);
+    EXPECT_EQ(log.size(), 100U);
+    EXPECT_EQ(log.front().serial, 1U);
+    EXPECT_EQ(log.back().serial, 100U);
+}
+
+TEST(ItemMap, FindsKeysAndItems)
+{
+    Map map("m");
+    EXPECT_EQ(map.GetStringValue(), "");
+    for (const char *text : {"a", "b", "c"})
+        map.Add(StringMultiSelectionItem(text), nullptr);
+    map.EraseAt(0, nullptr);
+    EXPECT_EQ(map.CreateNewUniqueKey(), 3U); // counts from 2, which is taken
+    EXPECT_EQ(map.Set(StringMultiSelectionItem("d"), nullptr), 3U);
+    EXPECT_EQ(map.At(3).GetKey(), 3U);
+    EXPECT_EQ(map.find(StringMultiSelectionItem("c")), 2U);
+    EXPECT_EQ(map.find(StringMultiSelectionItem("a")), InvalidKey);
+    EXPECT_THROW(map.At(0), KRException);
+    EXPECT_THAT(map.IndexVector(), UnorderedElementsAre(1, 2, 3));
+    EXPECT_TRUE(map.GetStringValue().endsWith(" - 2 more items..."));
+
+    // A list of new and known items, with and without those that it doesn't name.
+    StringMultiSelectionItem known("B");
+    known.SetKey(1);
+    map.Set(std::list{known, StringMultiSelectionItem("new")}, false, true, nullptr);
+    EXPECT_THAT(map.IndexVector(), UnorderedElementsAre(1, 2, 3, 4));
+    CodeLog codes;
+    map.AddObserver(&codes);
+    map.Set(std::list{known}, true, true, nullptr);
+    EXPECT_THAT(map.IndexVector(), ElementsAre(1));
+    EXPECT_THAT(codes.take(), ElementsAre(3, 3, 3, 3)); // three erased, and the transaction's end
+    map.SetMap(Map::Items(map.GetItems()), nullptr);
+    EXPECT_THAT(codes.take(), ElementsAre(3));
+    map.Set(map.GetItems(), true, false, nullptr);
+    EXPECT_EQ(map.Size(), 1U);
+}
+
+TEST(ItemMap, PostsAForeignChangeWhole)
+{
+    Map map("m");
+    Recorder recorder(map, ModeText);
+    std::thread([&] {
+        map.Add(StringMultiSelectionItem("a"), nullptr);
+        map.SetAt(5, StringMultiSelectionItem("b"), nullptr);
+        map.SelectAt(5, true, nullptr);
+        map.EnableAt(5, false, nullptr);
+        map.SetEmptyText("-", nullptr);
+        map.SetMap({{5, StringMultiSelectionItem("c")}}, nullptr);
+        map.EraseAt(5, nullptr);
+        map.Set(std::list{StringMultiSelectionItem("d")}, true, true, nullptr);
+        map.Clear(nullptr);
+    }).join();
+    EXPECT_TRUE(recorder.codes.empty());
+    QCoreApplication::sendPostedEvents();
+    EXPECT_THAT(recorder.codes, ElementsAre(3, 3, 19, 19, 3, 3, 3, 3, 3, 3, 3, 3));
+    EXPECT_EQ(map.Size(), 0U);
+}
+
+} // namespace
