@@ -30,9 +30,9 @@ void finish(benchmark::State &state, const List &copy)
 {
     if (copy.Size() != std::size_t(state.range(0)))
         state.SkipWithError("records were lost");
-    state.counters["ns/record"] = benchmark::Counter(double(state.range(0)) * 1e-9,
-                                                     benchmark::Counter::kIsIterationInvariantRate |
-                                                         benchmark::Counter::kInvert);
+    state.counters["time/record"] =
+        benchmark::Counter(double(state.range(0)), benchmark::Counter::kIsIterationInvariantRate |
+                                                       benchmark::Counter::kInvert);
 }
 
 void text(benchmark::State &state)

@@ -1,8 +1,14 @@
 // The elements of lists: their texts and their images, written out.
+#include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
+#include "valueclasses/changeroad.h"
+#include "valueclasses/kfactor.h"
 #include "valueclasses/recordsamples.h"
 
+#include <QTemporaryDir>
 #include <gmock/gmock.h>
+
+#include <cmath>
 
 namespace {
 
@@ -250,6 +256,101 @@ TEST(Records, RefuseImagesThatEndTooEarlyOrCountTooMuch)
     EXPECT_THROW(Kelm::fromCharStream<Wkf>(&pos), KRException);
     pos = huge.data();
     EXPECT_THROW(Kelm::fromCharStream<BaseStation>(&pos), KRException);
+}
+
+KFactor curve()
+{
+    KFactor curve;
+    curve.SetDescription("Loop");
+    curve.Set({{2e6, 4, 1}, {1e6, 2, 1}, {2e6, 3, -1}});
+    curve.SetMaxOffset(0.5);
+    return curve;
+}
+
+TEST(KFactors, KeepOnePointAFrequency)
+{
+    KFactor each = curve();
+    EXPECT_EQ(each.GetList(), (std::vector<KF>{{1e6, 2, 1}, {2e6, 4, -1}}));
+    each.Add(2e6, 3, 0);
+    EXPECT_EQ(each, curve()) << "nothing larger, nothing smaller";
+    for (const auto &[frequency, useMax, expected] : {std::tuple(0.9e6, true, 0.0),
+                                                      {1e6, false, 2.0},
+                                                      {1.5e6, true, 3.0},
+                                                      {1.5e6, false, 0.0},
+                                                      {2.1e6, true, 0.0}})
+        EXPECT_EQ(each.GetKFactor4Frequency(frequency, nullptr, useMax), expected) << frequency;
+    EXPECT_EQ(each.GetMidValue(), 3.0);
+    EXPECT_THAT(each.GetBasePoints(1e6, 3e6), ::testing::ElementsAre(2e6));
+    each.Add(3e6, 1);
+    EXPECT_EQ(each.GetMaxOffset(), 0.0) << "a new point drops the offsets";
+    EXPECT_THROW(each.Add(std::nan(""), 1), KRException);
+    EXPECT_THROW(each.fromVector({1, 2, 3}, false), KRException);
+    EXPECT_EQ(each.toVector(true).size(), 9U);
+    EXPECT_EQ(each.toVector().size(), 6U);
+    EXPECT_FALSE(KFactor().valid());
+}
+
+TEST(KFactors, AreSavedWithTheirOffsetsAndLoseMinima)
+{
+    const QTemporaryDir folder;
+    const QString name = folder.filePath("loop.csv");
+    KFactor each = curve();
+    ASSERT_EQ(each.SaveToFile(name), 0);
+    EXPECT_EQ(each.GetFileName(), name);
+    EXPECT_EQ(each.GetMaxOffset(), 0.0);
+    KFactor loaded;
+    EXPECT_EQ(loaded.LoadFromFile(name), 0);
+    EXPECT_EQ(loaded.toVector(), (std::vector<double>{1e6, 2e6, 2.5, 4.5}));
+    EXPECT_EQ(loaded.GetTransducerName(), "LimitLine");
+    EXPECT_EQ(FormatKFactor::GetString(each),
+              "Transducer Name;LimitLine\nDescription;LimitTine\nUnit;dBuV\n"
+              "1;1.000000;2.50\n2;2.000000;4.50\n");
+    each.SetUseMin(true);
+    EXPECT_TRUE(
+        FormatKFactor::GetString(each).contains("MinMax\nUnit;dBuV\n1;1.000000;2.50;1.00\n"));
+    EXPECT_FALSE(FormatKFactor::GetValue(FormatKFactor::GetString(each)).valid());
+    EXPECT_TRUE(FormatKFactor::GetValue("1;abc;3\n1;nan;3\n\n1;1;1").GetList().empty());
+    ErrorHandler::Instance().SetTraceMask(0);
+    EXPECT_EQ(loaded.LoadFromFile(folder.filePath("none")), -1);
+    EXPECT_EQ(loaded.SaveToFile(folder.filePath("no/folder")), -1);
+    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
+    EXPECT_EQ(loaded.GetList().size(), 2U);
+}
+
+TEST(KFactors, WriteTheirImage)
+{
+    const std::string image = "\x04\0\0\0L\0o\0o\0p\0"s + raw(0.5) + raw(0.0) + raw(1) + "\0\0"s +
+                              raw(6) + raw(1e6) + raw(2e6) + raw(2.0) + raw(4.0) + raw(1.0) +
+                              raw(-1.0) + ';';
+    EXPECT_EQ(form(curve(), 0), image);
+    for (const int mode : {-1, 0})
+        expectReadsForm(curve(), mode);
+    for (std::size_t size = 0; size < image.size(); ++size) {
+        const char *pos = image.data();
+        const Kelm::ReadScope scope(pos, size);
+        EXPECT_THROW(Kelm::fromCharStream<KFactor>(&pos), KRException) << size;
+    }
+}
+
+TEST(Records, AreValuesOfTheirOwnToo)
+{
+    checkRoad({.name = "bearing",
+               .make = [] { return std::make_unique<Value<BearingResult>>(); },
+               .set =
+                   [](ValueBase &value) {
+                       static_cast<Value<BearingResult> &>(value).SetValue(sample<BearingResult>(1),
+                                                                           nullptr);
+                   },
+               .codes = {CC_VALUE},
+               .text = {}});
+    checkRoad({.name = "curve",
+               .make = [] { return std::make_unique<Value<KFactor>>(); },
+               .set =
+                   [](ValueBase &value) {
+                       static_cast<Value<KFactor> &>(value).SetValue(curve(), nullptr);
+                   },
+               .codes = {CC_VALUE},
+               .text = {}});
 }
 
 } // namespace

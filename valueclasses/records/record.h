@@ -35,13 +35,16 @@ public:
 
 } // namespace values
 
-/// Declares the forms of a record, in the global namespace. The record is its image in commands of
-/// every mode, unless another stream form is given.
-#define SPECTREE_DECLARE_RECORD_AS(T, FormatClass, ...)                                            \
+/// Declares the image of a structure, in the global namespace.
+#define SPECTREE_DECLARE_RECORD_IMAGE(T)                                                           \
     template <>                                                                                    \
     SPECTREE_EXPORT std::string Kelm::toStandardString<T>(const T &record);                        \
     template <>                                                                                    \
-    SPECTREE_EXPORT T Kelm::fromCharStream<T>(const char **cursor);                                \
+    SPECTREE_EXPORT T Kelm::fromCharStream<T>(const char **cursor);
+/// Declares the forms of a record, in the global namespace. The record is its image in commands of
+/// every mode, unless another stream form is given.
+#define SPECTREE_DECLARE_RECORD_AS(T, FormatClass, ...)                                            \
+    SPECTREE_DECLARE_RECORD_IMAGE(T)                                                               \
     template <>                                                                                    \
     struct values::Detail::DefaultFormat<T> {                                                      \
         using type = FormatClass;                                                                  \
