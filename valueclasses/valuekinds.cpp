@@ -1,11 +1,13 @@
 // The kinds of values that the factory knows, family by family.
 #include "valueclasses/fastvaluemap.h"
+#include "valueclasses/kfactor.h"
 #include "valueclasses/value.h"
 #include "valueclasses/valuebuffer.h"
 #include "valueclasses/valueempty.h"
 #include "valueclasses/valuekinds_p.h"
 #include "valueclasses/valuenumeric.h"
 #include "valueclasses/valuenumericwithoffset.h"
+#include "valueclasses/valuespecialinterest.h"
 #include "valueclasses/valuestream.h"
 
 namespace values {
@@ -28,6 +30,19 @@ void registerScalarKinds(ValueKinds &kinds)
     kinds.Add<ValueBuffer>();
 }
 
+void registerSequenceKinds(ValueKinds &kinds)
+{
+#define SPECTREE_ADD(T, FormatClass, Type, Name) kinds.Add<ValueList<T, FormatClass>>();
+    SPECTREE_FOR_EACH_LIST_KIND(SPECTREE_ADD)
+#undef SPECTREE_ADD
+    kinds.Add<ValueSpecialInterest>();
+#define SPECTREE_ADD(T, FormatClass, Type, Name) kinds.Add<ValueVector<T, FormatClass>>();
+    SPECTREE_FOR_EACH_VECTOR_KIND(SPECTREE_ADD)
+#undef SPECTREE_ADD
+    kinds.Add<Value<BearingResult>>();
+    kinds.Add<Value<KFactor>>();
+}
+
 void registerSpectralKinds(ValueKinds &kinds)
 {
 #define SPECTREE_ADD(Y, Handler)                                                                   \
@@ -42,6 +57,7 @@ void registerSpectralKinds(ValueKinds &kinds)
 void registerKinds(ValueKinds &kinds)
 {
     registerScalarKinds(kinds);
+    registerSequenceKinds(kinds);
     registerSpectralKinds(kinds);
 }
 

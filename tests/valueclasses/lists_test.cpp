@@ -3,6 +3,7 @@
 #include "platform/base/krexception.h"
 #include "valueclasses/changeroad.h"
 #include "valueclasses/recordsamples.h"
+#include "valueclasses/valuefactory.h"
 #include "valueclasses/valuespecialinterest.h"
 
 #include <QCoreApplication>
@@ -55,6 +56,21 @@ void expectStep(const Step<Value> &step, Make make)
                .endsSuppression = true});
 }
 
+/// The factory makes it by its name, and copies it whole.
+void expectMadeByName(const ValueBase &value, const char *name)
+{
+    EXPECT_EQ(value.GetTypeName(), name);
+    const ValueFactory &factory = ValueFactory::Instance();
+    const std::unique_ptr<ValueBase> made(factory.CreateValue(QString(name)));
+    ASSERT_NE(made, nullptr);
+    EXPECT_EQ(typeid(*made), typeid(value));
+    const std::unique_ptr<ValueBase> copy(factory.CloneValue(value));
+    ASSERT_NE(copy, nullptr);
+    EXPECT_TRUE(copy->Compare(&value));
+    made->Assign(value);
+    EXPECT_TRUE(made->Compare(&value));
+}
+
 template <typename List>
 auto makeList(Samples samples)
 {
@@ -105,6 +121,7 @@ void expectRoadOfList(const char *kind)
     list->SetStringValue(list->GetStringValue(), nullptr);
     list->SetList(list->GetList(), nullptr);
     EXPECT_TRUE(list->Compare(makeList<List>({0, 1}).get())) << "set to what it holds";
+    expectMadeByName(*list, kind);
 }
 
 TEST(Lists, EveryChangeOfEveryKindGoesTheRoad)
@@ -138,6 +155,7 @@ void expectRoadOfVector(const char *kind)
     vector->SetStringValue(
         Vector::Format::GetString(items[0]) + '\n' + Vector::Format::GetString(items[1]), nullptr);
     EXPECT_EQ(vector->GetValue(), items);
+    expectMadeByName(*vector, kind);
 }
 
 TEST(Vectors, EveryKindGoesTheRoad)

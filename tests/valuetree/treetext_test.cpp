@@ -133,8 +133,8 @@ TEST(ValueFactory, CreatesAndCopiesTheKindThatWasAsked)
         EXPECT_EQ(copy->GetTypeName(), name);
         EXPECT_EQ(factory.TypeForTypeName(name), value->GetType());
     }
-    EXPECT_EQ(factory.CreateValue("Unknown"), nullptr);
-    EXPECT_EQ(factory.TypeForTypeName("Unknown"), VTYPE_Unknown);
+    EXPECT_EQ(factory.CreateValue("NoSuchKind"), nullptr);
+    EXPECT_EQ(factory.TypeForTypeName("NoSuchKind"), VTYPE_Unknown);
     EXPECT_EQ(factory.CreateValue(ValueType(999)), nullptr);
     EXPECT_FALSE(factory.IsRegistered(ValueType(999)));
     const std::unique_ptr<ValueBase> first(factory.CreateValue(VTYPE_ValueStreamFloat));
