@@ -1,12 +1,14 @@
 // The kinds of values that the factory knows, family by family.
 #include "valueclasses/fastvaluemap.h"
 #include "valueclasses/kfactor.h"
+#include "valueclasses/selection/valuemultiselection.h"
 #include "valueclasses/value.h"
 #include "valueclasses/valuebuffer.h"
 #include "valueclasses/valueempty.h"
 #include "valueclasses/valuekinds_p.h"
 #include "valueclasses/valuenumeric.h"
 #include "valueclasses/valuenumericwithoffset.h"
+#include "valueclasses/valueselection.h"
 #include "valueclasses/valuespecialinterest.h"
 #include "valueclasses/valuestream.h"
 
@@ -43,6 +45,15 @@ void registerSequenceKinds(ValueKinds &kinds)
     kinds.Add<Value<KFactor>>();
 }
 
+void registerSelectionKinds(ValueKinds &kinds)
+{
+    kinds.Add<ValueSelection>();
+#define SPECTREE_ADD(Item, Format, Adapter, exclusive, type, name)                                 \
+    kinds.Add<ValueMultiSelection<Item, Format, Adapter, exclusive>>();
+    SPECTREE_FOR_EACH_MULTI_SELECTION(SPECTREE_ADD)
+#undef SPECTREE_ADD
+}
+
 void registerSpectralKinds(ValueKinds &kinds)
 {
 #define SPECTREE_ADD(Y, Handler)                                                                   \
@@ -58,6 +69,7 @@ void registerKinds(ValueKinds &kinds)
 {
     registerScalarKinds(kinds);
     registerSequenceKinds(kinds);
+    registerSelectionKinds(kinds);
     registerSpectralKinds(kinds);
 }
 
