@@ -200,7 +200,8 @@ void ScanBuffer<Y, YHandler>::finishScan(std::optional<KRTimeStamp> time)
         Line &line = m_lines.currentLine();
         if (time)
             line.setLastTimeStamp(*time);
-        m_scanRate.addTimeStamp(line.getFirstTimeStamp());
+        if (const KRTimeStamp began = line.getFirstTimeStamp(); began != 0)
+            m_scanRate.addTimeStamp(began);
         finishLine();
         scansPerSecond = m_scanRate.averageEventsPerSecond();
     }

@@ -2,8 +2,10 @@
 #include "platform/base/krexception.h"
 #include "valueclasses/mapping/mappingbase.h"
 #include "valueclasses/scalars/ivaluenumeric.h"
+#include "valueclasses/valuedescriptor.h"
 #include "valueclasses/valuefactory.h"
 #include "valueclasses/valuenumericwithoffset.h"
+#include "valueclasses/valueselection.h"
 #include "valuetree/itemtext_p.h"
 #include "valuetree/treewatch_p.h"
 #include "valuetree/valueitem.h"
@@ -22,11 +24,12 @@ QString print(double number)
 }
 
 /// Limits, step, unit and basis, as they stand behind "Min=".
-QString limitsText(const IValueNumeric &number)
+QString limitsText(const IValueNumeric &number, const ValueDescriptor *descriptor)
 {
     return QStringLiteral("Min=%1, Max=%2, Step=%3, Unit=%4, Basis=%5")
         .arg(print(number.doubleGetMin()), print(number.doubleGetMax()),
-             print(number.doubleGetStep()), QString(), QString::number(0));
+             print(number.doubleGetStep()), descriptor != nullptr ? descriptor->Unit() : QString(),
+             QString::number(descriptor != nullptr ? descriptor->Basis() : 0));
 }
 
 QString numericText(const char *kind, ValueBase &value, Amount detail)
@@ -38,7 +41,22 @@ QString numericText(const char *kind, ValueBase &value, Amount detail)
     const QString offset = shifted != nullptr
                                ? QStringLiteral("Offset=%1 ").arg(print(shifted->GetOffset()))
                                : QString();
-    return QStringLiteral("(%1: %2%3)").arg(kind, offset, limitsText(*number));
+    return QStringLiteral("(%1: %2%3)")
+        .arg(kind, offset, limitsText(*number, value.GetValueDescriptor()));
+}
+
+QString selectionText(const ValueBase &value, Amount amount)
+{
+    const auto *const selection = dynamic_cast<const ValueSelection *>(&value);
+    if (amount == Amount::Short || selection == nullptr)
+        return QStringLiteral("(Selection)");
+    QStringList items;
+    for (int i = 0; i < selection->GetItemCount(); ++i) {
+        const SelectionItem &item = *selection->GetItemAt(i);
+        items << QStringLiteral("%1/%2/%3")
+                     .arg(item.GetName(), print(item.GetValue()), QString::number(item.GetKey()));
+    }
+    return QStringLiteral("(Selection: [ %1 ] )").arg(items.join(' '));
 }
 
 QString kindText(ValueBase &value, Amount detail)
@@ -56,6 +74,8 @@ QString kindText(ValueBase &value, Amount detail)
         return numericText("NumericFloat", value, detail);
     case VTYPE_ValueNumericFloatWithOffset:
         return numericText("NumericFloatWithOffset", value, detail);
+    case VTYPE_ValueSelection:
+        return selectionText(value, detail);
     default:
         return dynamic_cast<const MappingBase *>(&value) != nullptr
                    ? QStringLiteral("(Mapping)")
@@ -130,10 +150,14 @@ void ValueItem::SetValueAsStdString(std::string_view text, IObserver *source)
     adopt(value.release());
     const ItemWatch watch(this);
     const ValueBase *const adopted = m_value;
-    for (const auto &command : commands) {
-        command->Execute();
-        if (watch.isGone() || m_value != adopted)
-            return;
+    const auto isThere = [&] { return !watch.isGone() && m_value == adopted; };
+    try {
+        for (auto command = commands.begin(); command != commands.end() && isThere(); ++command)
+            (*command)->Execute();
+    } catch (...) {
+        if (isThere())
+            releaseValue(OnRelease::Destroy);
+        throw;
     }
 }
 

@@ -2,7 +2,6 @@
 
 #include "valueclasses/commands/valuecommands.h"
 #include "valueclasses/testvalue.h"
-#include "valueclasses/undo/undomanager.h"
 
 #include <gmock/gmock.h>
 
@@ -12,15 +11,39 @@
 /// One harness for the road that every change of a value goes.
 namespace values {
 
-/// An undo manager with one open stack.
-class UndoOnce : public UndoManager {
+/// An open undo stack: runs what it was given backwards, and takes nothing while it does.
+class UndoList : public IUndoManager {
 public:
-    UndoOnce() : UndoManager(1) { OpenNewUndoStack("all"); }
+    bool AddUndoCommand(KELM::ICommand *command) override
+    {
+        std::unique_ptr<KELM::ICommand> own(command);
+        if (m_executing)
+            return false;
+        commands.push_back(std::move(own));
+        return true;
+    }
+    bool ReplaceUndoCommand_If(CommandPredicate *predicate, KELM::ICommand *command) override
+    {
+        for (std::size_t i = m_executing ? 0 : commands.size(); i-- > 0;)
+            if ((*predicate)(*commands[i])) {
+                commands[i].reset(command);
+                return true;
+            }
+        return false;
+    }
+    void ResetUndoStacks() override { commands.clear(); }
     void undoAll()
     {
-        FinishCurrentUndoStack();
-        ExecuteUndoStacks(1);
+        m_executing = true;
+        for (; !commands.empty(); commands.pop_back())
+            commands.back()->Execute();
+        m_executing = false;
     }
+
+    std::vector<std::unique_ptr<KELM::ICommand>> commands;
+
+private:
+    bool m_executing = false;
 };
 
 /// Collects what a value records, in one mode, and the codes that it notifies.
@@ -89,7 +112,7 @@ inline void checkRoad(const RoadCase &c)
         EXPECT_EQ(recorder.codes.empty(), c.again == RoadCase::Quiet);
     }
 
-    UndoOnce undo;
+    UndoList undo;
     const auto value = c.make();
     const auto replica = c.make();
     value->SetUndoManager(&undo);

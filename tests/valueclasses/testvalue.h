@@ -1,18 +1,13 @@
 #pragma once
 
-#include "valueclasses/ivaluedescriptormap.h"
 #include "valueclasses/valuebase.h"
+#include "valueclasses/valuedescriptor.h"
 
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace values {
-
-class ValueDescriptor {
-public:
-    QString key;
-};
 
 /// The smallest value: it holds a number, and its setter goes the road of every setter as far as
 /// the base carries it.
@@ -29,16 +24,10 @@ public:
     void Assign(const ValueBase &other) override { ValueBase::operator=(other); }
 };
 
-/// A map with one descriptor, in place for as long as it lives.
-class TestDescriptors : public IValueDescriptorMap {
+/// A published descriptor.
+class TestDescriptors {
 public:
-    explicit TestDescriptors(const QString &key) : m_descriptor{key} { SetInstance(this); }
-    ~TestDescriptors() override { SetInstance(nullptr); }
-    const ValueDescriptor *Find(const QString &key) const override
-    {
-        return key == m_descriptor.key ? &m_descriptor : nullptr;
-    }
-    QString KeyOf(const ValueDescriptor &descriptor) const override { return descriptor.key; }
+    explicit TestDescriptors(const QString &key) : m_descriptor(key, QString()) {}
     const ValueDescriptor *Get() const { return &m_descriptor; }
 
 private:

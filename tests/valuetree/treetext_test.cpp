@@ -1,9 +1,13 @@
 // Copies, comparisons and text forms of items.
 #include "platform/base/krexception.h"
-#include "valueclasses/valuefactory.h"
+#include "platform/startup/cfgcenter.h"
+#include "valueclasses/valuedescriptor.h"
 #include "valueclasses/valuenumericwithoffset.h"
+#include "valueclasses/valueselection.h"
 #include "valuetree/treelog.h"
+#include "valuetree/treetocfg.h"
 
+#include <QStandardPaths>
 #include <gmock/gmock.h>
 
 namespace {
@@ -64,19 +68,43 @@ TEST(TreeText, PrintsForDiagnosis)
     tree.AddValue("/a/t", new Value<QString>("t", QString("text")));
     tree.AddValue("/a/b", new Value<bool>("b", true));
     tree.AddValue("/a/i", new Int("i", 3));
+    auto *const selection = new ValueSelection("s");
+    selection->AddItem("x", 1.5, 7, nullptr);
+    tree.AddValue("/a/s", selection);
+    const ValueDescriptor unit("n", "/a", nullptr, "", 0, 10, 1, "Hz", 6);
+    number->SetValueDescriptor(&unit);
     std::string full, kinds;
     tree.AddTreeString(full, 0, 0);
     tree.AddTreeString(kinds, 1, 1);
     EXPECT_EQ(full, "/\n\t/a\n"
-                    "\t\t/n = 5 (NumericInt: Min=0, Max=10, Step=1, Unit=, Basis=0)\n"
+                    "\t\t/n = 5 (NumericInt: Min=0, Max=10, Step=1, Unit=Hz, Basis=6)\n"
                     "\t\t/f = 0.500000 (NumericFloat: Min=0, Max=1, Step=0.25, Unit=, Basis=0)\n"
                     "\t\t/o = 0.000000 (NumericFloatWithOffset: Offset=0 Min=0, Max=1, Step=1, "
                     "Unit=, Basis=0)\n"
                     "\t\t/t = text (String)\n\t\t/b = true (ValueBoolean)\n"
-                    "\t\t/i = 3 ( *** unknown type *** )\n");
+                    "\t\t/i = 3 ( *** unknown type *** )\n"
+                    "\t\t/s =  (Selection: [ x/1.5/7 ] )\n");
     EXPECT_EQ(kinds, "\t/\n\t\t/a\n\t\t\t/n(NumericInt)\n\t\t\t/f(NumericFloat)\n"
                      "\t\t\t/o(NumericFloatWithOffset)\n\t\t\t/t(String)\n\t\t\t/b(ValueBoolean)\n"
-                     "\t\t\t/i( *** unknown type *** )\n");
+                     "\t\t\t/i( *** unknown type *** )\n\t\t\t/s(Selection)\n");
+}
+
+TEST(TreeText, GoesIntoAConfiguration)
+{
+    QStandardPaths::setTestModeEnabled(true);
+    const auto node = makeNode({{"a", 1}, {"s/b", 2}, {"s/deep/c", 3}});
+    const auto cfg = CfgCenter::CreateCfg("Xml:tree test", "User");
+    const auto read = [&](const char *key) { return cfg->GetString(key, "-").toStdString(); };
+    for (const char *key : {"a", "s/b", "s/deep/c"})
+        cfg->Set(key, QVariant());
+    TreeToCfg::ToCfg(node.get(), cfg.get(), true);
+    EXPECT_EQ(read("a") + read("s/b"), "1-");
+    TreeToCfg::ToCfg(node.get(), cfg.get(), false);
+    EXPECT_EQ(read("a") + read("s/b") + read("s/deep/c"), "12-");
+    TreeToCfg::ToCfg(node.get(), "tree test two", false);
+    EXPECT_EQ(CfgCenter::CreateCfg("Xml:tree test two", "User")->GetString("s/b", "-"), "2");
+    for (const char *name : {"Xml:../x", "Xml:", "Ini:x"})
+        EXPECT_THROW(CfgCenter::CreateCfg(name, "User"), KRException) << name;
 }
 
 TEST(TreeText, StringFormsRoundTrip)
@@ -86,6 +114,11 @@ TEST(TreeText, StringFormsRoundTrip)
     EXPECT_EQ(node.GetAsStdString(), "n;;");
     node.SetAsStdString("other;unknown;", nullptr);
     EXPECT_EQ(node.GetName(), "other");
+    EXPECT_EQ(node.GetValueDescriptor(), nullptr);
+    const ValueDescriptor descriptor("key", "");
+    node.SetAsStdString("other;key;", nullptr);
+    EXPECT_EQ(node.GetValueDescriptor(), &descriptor);
+    EXPECT_EQ(node.GetAsStdString(), "other;key;");
 
     ValueItem from(new ValueNumeric<int>("v", 5, 0, 10)), to;
     EXPECT_EQ(from.GetAsStdString(), "v;6,;1;0;7;VdStr;2;;20;5;21;0;22;10;23;1;20;5;;");
@@ -118,30 +151,6 @@ TEST(TreeText, MalformedFormsChangeNothing)
         EXPECT_THROW(node.SetAsStdString(text, nullptr), KRException) << text;
         EXPECT_EQ(node.GetName(), "n");
     }
-}
-
-TEST(ValueFactory, CreatesAndCopiesTheKindThatWasAsked)
-{
-    const ValueFactory &factory = ValueFactory::Instance();
-    for (const QString &name : {QString("ValueStreamFloat"), QString("ValueStreamDouble"),
-                                QString("ValueNumericInt64"), QString("ValueEmpty")}) {
-        const std::unique_ptr<ValueBase> value(factory.CreateValue(name));
-        ASSERT_NE(value, nullptr) << name.toStdString();
-        EXPECT_EQ(value->GetTypeName(), name);
-        const std::unique_ptr<ValueBase> copy(factory.CloneValue(*value));
-        ASSERT_NE(copy, nullptr);
-        EXPECT_EQ(copy->GetTypeName(), name);
-        EXPECT_EQ(factory.TypeForTypeName(name), value->GetType());
-    }
-    EXPECT_EQ(factory.CreateValue("NoSuchKind"), nullptr);
-    EXPECT_EQ(factory.TypeForTypeName("NoSuchKind"), VTYPE_Unknown);
-    EXPECT_EQ(factory.CreateValue(ValueType(999)), nullptr);
-    EXPECT_FALSE(factory.IsRegistered(ValueType(999)));
-    const std::unique_ptr<ValueBase> first(factory.CreateValue(VTYPE_ValueStreamFloat));
-    EXPECT_EQ(first->GetTypeName(), factory.TypeNameForType(VTYPE_ValueStreamFloat));
-
-    class Special : public Int {};
-    EXPECT_EQ(factory.CloneValue(Special()), nullptr); // never a slice of it
 }
 
 } // namespace

@@ -1,0 +1,42 @@
+// The arrow from a descriptor of a value into the tree: it runs against the floors, so it stands
+// behind an interface of the lower one.
+#include "valueclasses/ivaluetree.h"
+#include "valuetree/tree.h"
+
+namespace values {
+
+namespace {
+
+class DescriptorTree final : public IValueTree {
+public:
+    ValueBase *GetValue(const QString &path) const override
+    {
+        return Tree::Instance().GetValue(path);
+    }
+    bool AddValue(const QString &path, ValueBase *value) override
+    {
+        return Tree::Instance().AddValue(path, value);
+    }
+    Node *MakeNode(const QString &path, IObserver *observer) override
+    {
+        Node *const root = Tree::Instance().GetRoot();
+        if (root == nullptr)
+            return nullptr;
+        if (root->GetNode(path) == nullptr)
+            root->AddNode(path);
+        Node *const node = root->GetNode(path);
+        if (node != nullptr)
+            node->AddObserver(observer);
+        return node;
+    }
+};
+
+} // namespace
+
+IValueTree &IValueTree::Instance()
+{
+    static DescriptorTree tree;
+    return tree;
+}
+
+} // namespace values
