@@ -244,6 +244,7 @@ TEST(ItemMap, LogsItsLastHundredChanges)
 
 TEST(ItemMap, FindsKeysAndItems)
 {
+    CodeLog codes; // outlives the map, whose end it is told
     Map map("m");
     EXPECT_EQ(map.GetStringValue(), "");
     for (const char *text : {"a", "b", "c"})
@@ -263,7 +264,6 @@ TEST(ItemMap, FindsKeysAndItems)
     known.SetKey(1);
     map.Set(std::list{known, StringMultiSelectionItem("new")}, false, true, nullptr);
     EXPECT_THAT(map.IndexVector(), UnorderedElementsAre(1, 2, 3, 4));
-    CodeLog codes;
     map.AddObserver(&codes);
     map.Set(std::list{known}, true, true, nullptr);
     EXPECT_THAT(map.IndexVector(), ElementsAre(1));

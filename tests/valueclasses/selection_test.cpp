@@ -119,9 +119,9 @@ TEST(ValueSelection, KeepsTheChoiceOnItsItem)
 
 TEST(ValueSelection, AnswersWhatIsNotThere)
 {
+    CodeLog log; // outlives the selection, whose end it is told
     const auto modes = makeModes();
     modes->Select(20, nullptr);
-    CodeLog log;
     modes->AddObserver(&log);
     EXPECT_FALSE(modes->Select("", nullptr));
     EXPECT_FALSE(modes->Select(static_cast<const wchar_t *>(nullptr), nullptr));
