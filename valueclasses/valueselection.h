@@ -73,7 +73,6 @@ public:
     /// choice \a forward takes the first and back the last one.
     bool SelectNext(bool forward, IObserver *source);
     int GetCurrentIndex() const { return m_current; } ///< -1 without a choice
-    virtual double GetCurrentValue() const;           ///< 0 without a choice
 
     // The items
     /// Items with these names; value and key are the place in the selection. One transaction.
@@ -93,6 +92,7 @@ public:
     virtual SelectionItem *GetItem(const QString &name) const; ///< these three give null
     virtual SelectionItem *GetItem(double value) const;        ///< when there is none
     virtual SelectionItem *GetItem(Kelm::Long key) const;
+    virtual double GetCurrentValue() const; ///< 0 without a choice
     SelectionItem *GetItem(int key) const { return GetItem(Kelm::Long(key)); }
     SelectionItem *GetItemAt(int index) const;                       ///< null outside of the list
     virtual Kelm::Long GetKeyForItemName(const QString &name) const; ///< 0 for an unknown name

@@ -2,6 +2,7 @@
 
 #include "valueclasses/commands/valuecommands.h"
 #include "valueclasses/testvalue.h"
+#include "valueclasses/undo/undomanager.h"
 
 #include <gmock/gmock.h>
 
@@ -11,39 +12,15 @@
 /// One harness for the road that every change of a value goes.
 namespace values {
 
-/// An open undo stack: runs what it was given backwards, and takes nothing while it does.
-class UndoList : public IUndoManager {
+/// An undo manager with one open stack.
+class UndoOnce : public UndoManager {
 public:
-    bool AddUndoCommand(KELM::ICommand *command) override
-    {
-        std::unique_ptr<KELM::ICommand> own(command);
-        if (m_executing)
-            return false;
-        commands.push_back(std::move(own));
-        return true;
-    }
-    bool ReplaceUndoCommand_If(CommandPredicate *predicate, KELM::ICommand *command) override
-    {
-        for (std::size_t i = m_executing ? 0 : commands.size(); i-- > 0;)
-            if ((*predicate)(*commands[i])) {
-                commands[i].reset(command);
-                return true;
-            }
-        return false;
-    }
-    void ResetUndoStacks() override { commands.clear(); }
+    UndoOnce() : UndoManager(1) { OpenNewUndoStack("all"); }
     void undoAll()
     {
-        m_executing = true;
-        for (; !commands.empty(); commands.pop_back())
-            commands.back()->Execute();
-        m_executing = false;
+        FinishCurrentUndoStack();
+        ExecuteUndoStacks(1);
     }
-
-    std::vector<std::unique_ptr<KELM::ICommand>> commands;
-
-private:
-    bool m_executing = false;
 };
 
 /// Collects what a value records, in one mode, and the codes that it notifies.
@@ -112,7 +89,7 @@ inline void checkRoad(const RoadCase &c)
         EXPECT_EQ(recorder.codes.empty(), c.again == RoadCase::Quiet);
     }
 
-    UndoList undo;
+    UndoOnce undo;
     const auto value = c.make();
     const auto replica = c.make();
     value->SetUndoManager(&undo);

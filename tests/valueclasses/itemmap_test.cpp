@@ -3,6 +3,7 @@
 #include "valueclasses/selection/multiselectioncommands.h"
 #include "valueclasses/selection/valuemultiselection.h"
 #include "valueclasses/selection/valueselectionhelpers.h"
+#include "valueclasses/valuefactory.h"
 
 #include <QCoreApplication>
 
@@ -105,7 +106,7 @@ TYPED_TEST(MultiSelection, UndoesAndReplaysARandomLife)
         SCOPED_TRACE(seed);
         std::mt19937 random(seed);
         const auto value = this->make(), first = this->make(), replica = this->make();
-        UndoList undo;
+        UndoOnce undo;
         value->SetUndoManager(&undo);
         Recorder recorder(*value, ModeBinaryTagged);
         for (int i = 0; i < 300; ++i) {
@@ -172,6 +173,18 @@ TYPED_TEST(MultiSelection, KeepsItsRules)
     assigned.Assign(copy);
     EXPECT_TRUE(assigned == copy);
     EXPECT_FALSE(assigned == *value);
+}
+
+TYPED_TEST(MultiSelection, IsMadeByNumberAndName)
+{
+    const ValueFactory &factory = ValueFactory::Instance();
+    const auto value = this->make();
+    const std::unique_ptr<ValueBase> copy(factory.CloneValue(*value));
+    EXPECT_TRUE(value->Compare(copy.get()));
+    const std::unique_ptr<ValueBase> byNumber(factory.CreateValue(value->GetType())),
+        byName(factory.CreateValue(value->GetTypeName()));
+    EXPECT_TRUE(dynamic_cast<TypeParam *>(byNumber.get()) != nullptr);
+    EXPECT_TRUE(dynamic_cast<TypeParam *>(byName.get()) != nullptr);
 }
 
 TYPED_TEST(MultiSelection, TellsTheFlagFromTheTextOfId33)

@@ -259,7 +259,7 @@ TEST(ValueSelection, UndoesAndReplaysARandomLife)
         std::mt19937 random(seed);
         const auto value = makeModes();
         const auto first = makeModes(), replica = makeModes();
-        UndoList undo;
+        UndoOnce undo;
         value->SetUndoManager(&undo);
         Recorder recorder(*value, ModeBinaryTagged);
         for (int i = 0; i < 500; ++i)
@@ -315,7 +315,7 @@ TEST(ValueSelection, StaysUsableWithManyItems)
     for (int i = 0; i < kCount; ++i)
         many << QString::number(i);
     ValueSelection value("s"), copy("s");
-    UndoList undo;
+    UndoOnce undo;
     value.SetUndoManager(&undo);
     value.AddItems(many, nullptr);
     for (int i = 0; i < kCount; ++i)

@@ -46,6 +46,9 @@ public:
 
     ValueItemMapBase() = default;
     explicit ValueItemMapBase(QString name, TValueState state = VS_NORMAL);
+    ValueItemMapBase(const ValueItemMapBase &other) = default;
+    /// Assign: the own log goes on, so that its readers see the change.
+    ValueItemMapBase &operator=(const ValueItemMapBase &other);
 
     /// The text of one item and how many more there are; empty for an empty map.
     QString GetStringValue() const override;

@@ -15,6 +15,14 @@ requires ItemFormat<F, T> ValueItemMapBase<T, F, A>::ValueItemMapBase(QString na
 }
 
 template <typename T, typename F, typename A>
+requires ItemFormat<F, T> ValueItemMapBase<T, F, A>
+&ValueItemMapBase<T, F, A>::operator=(const ValueItemMapBase &other)
+{
+    ValueItemMapBase::Assign(other);
+    return *this;
+}
+
+template <typename T, typename F, typename A>
 requires ItemFormat<F, T> QString ValueItemMapBase<T, F, A>::GetStringValue()
 const
 {

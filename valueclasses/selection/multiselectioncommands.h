@@ -114,7 +114,7 @@ public:
 };
 
 /// The command with one of these ids, or null for any other id.
-Command *createMultiSelectionCommand(int id, IMultiSelection *selection, const char **pos,
-                                     IObserver *source, int mode);
+SPECTREE_EXPORT Command *createMultiSelectionCommand(int id, IMultiSelection *selection,
+                                                     const char **pos, IObserver *source, int mode);
 
 } // namespace values

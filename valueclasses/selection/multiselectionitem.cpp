@@ -19,15 +19,16 @@ std::string imageOf(const StringMultiSelectionItem &item)
     return image;
 }
 
-StringMultiSelectionItem readItem(const char **pos)
+void readItem(const char **pos, StringMultiSelectionItem &item)
 {
     const auto units = Kelm::readLittleEndian<std::uint32_t>(pos);
     Kelm::requireBytes(*pos, units, sizeof(std::uint16_t));
     auto text = QString(int(units), QChar());
     for (QChar &c : text)
         c = QChar(Kelm::readLittleEndian<std::uint16_t>(pos));
-    const bool selected = Kelm::readLittleEndian<bool>(pos);
-    return StringMultiSelectionItem(text, selected, Kelm::readLittleEndian<bool>(pos));
+    item.SetText(text);
+    item.SetSelected(Kelm::readLittleEndian<bool>(pos));
+    item.SetEnabled(Kelm::readLittleEndian<bool>(pos));
 }
 
 bool readEnd(const char **pos)
@@ -40,19 +41,15 @@ bool readEnd(const char **pos)
 
 } // namespace
 
-StringMultiSelectionItem::StringMultiSelectionItem(QString text, bool selected, bool enabled)
-    : m_text(std::move(text)), m_selected(selected), m_enabled(enabled)
-{
-}
+StringMultiSelectionItem::StringMultiSelectionItem(QString text) : m_text(std::move(text)) {}
 
 bool StringMultiSelectionItem::operator==(const StringMultiSelectionItem &other) const
 {
     return m_selected == other.m_selected && m_enabled == other.m_enabled && m_text == other.m_text;
 }
 
-StringDoubleMultiSelectionItem::StringDoubleMultiSelectionItem(QString text, double value,
-                                                               bool selected, bool enabled)
-    : StringMultiSelectionItem(std::move(text), selected, enabled), m_value(value)
+StringDoubleMultiSelectionItem::StringDoubleMultiSelectionItem(QString text, double value)
+    : StringMultiSelectionItem(std::move(text)), m_value(value)
 {
 }
 
@@ -75,7 +72,7 @@ std::string StringMultiSelectionItemFormat::toStandardString(const StringMultiSe
 bool StringMultiSelectionItemFormat::fromCharStream(const char **pos,
                                                     StringMultiSelectionItem &item)
 {
-    item = readItem(pos);
+    readItem(pos, item);
     return readEnd(pos);
 }
 
@@ -104,9 +101,8 @@ StringDoubleMultiSelectionItemFormat::toStandardString(const StringDoubleMultiSe
 bool StringDoubleMultiSelectionItemFormat::fromCharStream(const char **pos,
                                                           StringDoubleMultiSelectionItem &item)
 {
-    const StringMultiSelectionItem base = readItem(pos);
-    item = StringDoubleMultiSelectionItem(base.GetText(), Kelm::readLittleEndian<double>(pos),
-                                          base.IsSelected(), base.IsEnabled());
+    readItem(pos, item);
+    item.SetValue(Kelm::readLittleEndian<double>(pos));
     return readEnd(pos);
 }
 

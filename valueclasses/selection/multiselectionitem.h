@@ -12,7 +12,7 @@ class SPECTREE_EXPORT StringMultiSelectionItem
     : public valueitemmap::IKeyItemTemplate<unsigned int> {
 public:
     StringMultiSelectionItem() = default;
-    explicit StringMultiSelectionItem(QString text, bool selected = false, bool enabled = true);
+    explicit StringMultiSelectionItem(QString text);
 
     const QString &GetText() const { return m_text; }
     bool IsSelected() const { return m_selected; }
@@ -37,8 +37,7 @@ private:
 class SPECTREE_EXPORT StringDoubleMultiSelectionItem : public StringMultiSelectionItem {
 public:
     StringDoubleMultiSelectionItem() = default;
-    StringDoubleMultiSelectionItem(QString text, double value, bool selected = false,
-                                   bool enabled = true);
+    StringDoubleMultiSelectionItem(QString text, double value);
 
     double GetValue() const { return m_value; }
     void SetValue(double value) { m_value = value; }
