@@ -23,8 +23,8 @@ private:
 class SignalSink : public QObject {
     Q_OBJECT
 public Q_SLOTS:
-    void take(double value) { sum += value; }
+    void take(double) { ++count; }
 
 public:
-    double sum = 0.0;
+    int count = 0;
 };
