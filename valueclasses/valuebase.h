@@ -278,6 +278,7 @@ private:
     void releaseCommands();
     int startTimer(unsigned int milliseconds);
     NotifyDistinction &handOver();
+    void notifyHere(TChangeCode code, IObserver *source);
     [[noreturn]] void failWrongThread(TChangeCode code) const;
     [[noreturn]] static void failAssign(const ValueBase &other);
     void closeUndoBracket(TChangeCode code);

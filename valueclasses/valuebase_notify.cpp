@@ -9,6 +9,17 @@
 
 namespace values {
 
+namespace {
+
+void traceRecursion(const ValueBase &value)
+{
+    SPECTREE_TRACE(TraceWarnings,
+                   QStringLiteral("VTTHREADING: Recursion in deletion notify for Item : %1")
+                       .arg(value.GetPathName()));
+}
+
+} // namespace
+
 void ValueBase::HasChanged(TChangeCode code, IObserver *source)
 {
     if (PostIfForeign([=, this] { ValueBase::HasChanged(code, source); }))
@@ -24,7 +35,7 @@ void ValueBase::NotifyObservers(TChangeCode code, IObserver *source)
 {
     if (Kelm::isAcceptableThread() || Kelm::isUnloading()) [[likely]] {
         if (hasFlag(NotifyEnabled))
-            NotifyObserversDistinct(code, source);
+            notifyHere(code, source);
         return;
     }
     // Whether a transaction holds it back is only known behind the changes that wait.
@@ -44,10 +55,13 @@ void ValueBase::NotifyObserversDistinct(TChangeCode code, IObserver *source)
                            .arg(GetPathName()));
         Kelm::terminate();
     }
+    notifyHere(code, source);
+}
+
+inline void ValueBase::notifyHere(TChangeCode code, IObserver *source)
+{
     if (m_state == VS_DELETED && IsNotifying()) [[unlikely]]
-        SPECTREE_TRACE(TraceWarnings,
-                       QStringLiteral("VTTHREADING: Recursion in deletion notify for Item : %1")
-                           .arg(GetPathName()));
+        traceRecursion(*this);
     Observable::NotifyObservers(code, source); // an observer may have deleted this value
 }
 

@@ -8,7 +8,8 @@
 namespace Kelm {
 namespace {
 
-thread_local const ReadScope *innermost = nullptr;
+// The model spares the lookup that a shared library otherwise makes for each access.
+thread_local const ReadScope *innermost __attribute__((tls_model("initial-exec"))) = nullptr;
 
 [[noreturn]] void throwNotTerminated(const char *className, const char *functionName)
 {

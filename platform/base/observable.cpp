@@ -2,13 +2,15 @@
 
 #include <algorithm>
 #include <iterator>
+#include <memory>
 
 /// One running notification; it outlives its Observable when an observer destroys that.
 struct Observable::Call {
     Observable *subject;
     Call *outer;
     IObserver *source;
-    std::vector<IObserver *> toFront; // of the outermost call: wishes that wait for its end
+    // Of the outermost call: wishes that wait for its end. Few calls have any.
+    std::unique_ptr<std::vector<IObserver *>> toFront;
 
     Call(Observable *observable, IObserver *from)
         : subject(observable), outer(observable->m_running), source(from)
@@ -63,10 +65,11 @@ void Observable::MakeFirstObserver(IObserver *observer)
     Call *outermost = m_running;
     while (outermost != nullptr && outermost->outer != nullptr)
         outermost = outermost->outer;
-    if (outermost != nullptr)
-        outermost->toFront.push_back(observer);
-    else
-        moveToFront(observer);
+    if (outermost == nullptr)
+        return moveToFront(observer);
+    if (outermost->toFront == nullptr)
+        outermost->toFront = std::make_unique<std::vector<IObserver *>>();
+    outermost->toFront->push_back(observer);
 }
 
 void Observable::moveToFront(IObserver *observer)
@@ -114,7 +117,8 @@ void Observable::endCall(Call &call)
     if (m_count != m_observers.size())
         m_observers.erase(std::remove(m_observers.begin(), m_observers.end(), nullptr),
                           m_observers.end());
-    for (IObserver *observer : call.toFront)
-        moveToFront(observer);
+    if (call.toFront != nullptr)
+        for (IObserver *observer : *call.toFront)
+            moveToFront(observer);
     NotificationEnded();
 }

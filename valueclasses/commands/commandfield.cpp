@@ -8,13 +8,17 @@
 
 namespace values {
 
-std::string_view commandField(const char *position)
+static std::size_t fieldLength(const char *position, std::size_t left)
 {
-    const std::size_t left = Kelm::bytesLeft(position);
     std::size_t length = 0;
     while (length < left && position[length] != ';' && position[length] != '\0')
         ++length;
-    return {position, length};
+    return length;
+}
+
+std::string_view commandField(const char *position)
+{
+    return {position, fieldLength(position, Kelm::bytesLeft(position))};
 }
 
 void skipCommandField(const char **pos, std::string_view field, const char *className,
@@ -24,10 +28,25 @@ void skipCommandField(const char **pos, std::string_view field, const char *clas
     Kelm::readTerminator(pos, className, functionName);
 }
 
+void skipCommandId(const char **pos)
+{
+    const std::size_t left = Kelm::bytesLeft(*pos), length = fieldLength(*pos, left);
+    if (length == 0)
+        throw KRException("The command id in the passed string is empty.", __FILE__,
+                          "ValueBase::CommandOnValue", "CommandOnValue", __LINE__);
+    *pos += length;
+    if (length < left && **pos == ';')
+        ++*pos;
+    else
+        Kelm::readTerminator(pos, "ValueBase::CommandOnValue", "CommandOnValue");
+}
+
 int parseDigits(std::string_view field, const char *message, const char *className,
                 const char *functionName)
 {
     const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    if (field.size() == 2 && isDigit(field[0]) && isDigit(field[1])) // nearly every id
+        return 10 * (field[0] - '0') + field[1] - '0';
     if (!std::all_of(field.begin(), field.end(), isDigit))
         throw KRException(
             QString::fromLatin1(message).arg(QString::fromLatin1(field.data(), int(field.size()))),
@@ -37,11 +56,12 @@ int parseDigits(std::string_view field, const char *message, const char *classNa
     return result.ec == std::errc::result_out_of_range ? INT_MAX : number;
 }
 
-void appendDecimal(std::string &out, int number)
+void appendDecimalField(std::string &out, int number)
 {
-    char digits[12];
-    const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
-    out.append(digits, end);
+    char digits[13];
+    char *const end = std::to_chars(digits, digits + 12, number).ptr;
+    *end = ';';
+    out.append(digits, end + 1);
 }
 
 } // namespace values

@@ -13,11 +13,14 @@ std::string_view commandField(const char *position);
 /// Steps over \a field and its ";". \throws KRException when there is none.
 void skipCommandField(const char **pos, std::string_view field, const char *className,
                       const char *functionName);
+/// commandField and skipCommandField in one, for the id that was looked at before.
+/// \throws KRException for an empty field, too.
+void skipCommandId(const char **pos);
 /// The number that \a field spells; one too large for an int is the largest int.
 /// \throws KRException \a message with the field for %1, unless all are digits.
 int parseDigits(std::string_view field, const char *message, const char *className,
                 const char *functionName);
-/// Appends the decimal digits of \a number.
-void appendDecimal(std::string &out, int number);
+/// Appends the decimal digits of \a number and a ";".
+void appendDecimalField(std::string &out, int number);
 
 } // namespace values

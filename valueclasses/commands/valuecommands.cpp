@@ -22,12 +22,6 @@ TChangeCode readChangeCode(const char **pos, const char *emptyMessage, const cha
     return TChangeCode(code);
 }
 
-void appendChangeCode(std::string &out, TChangeCode code)
-{
-    appendDecimal(out, code);
-    out += ';';
-}
-
 void readEnd(const char **pos, const char *className, const char *functionName)
 {
     if (Kelm::bytesLeft(*pos) == 0 || **pos != ';')
@@ -47,17 +41,12 @@ ValueBase::CommandOnValue::CommandOnValue(int id, ValueBase *value, const char *
                                           IObserver *source)
     : CommandOnValue(id, value, source)
 {
-    const std::string_view field = commandField(*pos);
-    if (field.empty())
-        throw KRException("The command id in the passed string is empty.", __FILE__,
-                          "ValueBase::CommandOnValue", "CommandOnValue", __LINE__);
-    skipCommandField(pos, field, "ValueBase::CommandOnValue", "CommandOnValue");
+    skipCommandId(pos);
 }
 
 void ValueBase::CommandOnValue::AddCommandString(std::string &out, int /*mode*/) const
 {
-    appendDecimal(out, GetCommandId());
-    out += ';';
+    appendDecimalField(out, GetCommandId());
 }
 
 Command *ValueBase::CommandOnValue::Clone() const { return new CommandOnValue(*this); }
@@ -94,7 +83,7 @@ void ValueBase::CommandHasChanged::Execute() { GetValue()->HasChanged(m_code, Ge
 void ValueBase::CommandHasChanged::AddCommandString(std::string &out, int mode) const
 {
     CommandOnValue::AddCommandString(out, mode);
-    appendChangeCode(out, m_code);
+    appendDecimalField(out, m_code);
 }
 
 Command *ValueBase::CommandHasChanged::Clone() const { return new CommandHasChanged(*this); }
@@ -204,7 +193,7 @@ void ValueBase::CommandEndTransaction::Execute()
 void ValueBase::CommandEndTransaction::AddCommandString(std::string &out, int mode) const
 {
     CommandOnValue::AddCommandString(out, mode);
-    appendChangeCode(out, m_code);
+    appendDecimalField(out, m_code);
 }
 
 Command *ValueBase::CommandEndTransaction::Clone() const
