@@ -4,11 +4,59 @@
 #include "platform/base/bytes.h"
 #include "valueclasses/value.h"
 
+#include <charconv>
+
 namespace values {
 
 /// Moves the commands that a later one makes superfluous out of \a commands, one pass. The first
 /// one stays unless its neighbour says otherwise.
 SPECTREE_EXPORT void dropSuperfluousCommands(CommandList &commands);
+
+namespace Detail {
+/// Whether the binary form of a field is the raw image of its number.
+template <typename T, typename S>
+inline constexpr bool isRawField =
+    Kelm::RawNumber<T> &&std::is_same_v<S, StreamFormat<T, DefaultFormat<T>>>;
+
+/// Id, field and end of a command with one field; a raw number in one piece.
+template <typename S, typename T>
+void appendCommand(std::string &out, int id, const T &value, int mode)
+{
+    char bytes[32];
+    char *end = std::to_chars(bytes, bytes + 12, id).ptr;
+    *end++ = ';';
+    if constexpr (isRawField<T, S>) {
+        if (!isTextMode(mode)) {
+            end = Kelm::putLittleEndian(end, value);
+            *end++ = ';';
+            out.append(bytes, end);
+            return;
+        }
+    }
+    out.append(bytes, end);
+    AppendField<S>(out, value, mode);
+    out += ';';
+}
+
+/// The field and the end of such a command.
+template <typename S, typename T>
+T readField(const char **pos, int mode, const char *functionName)
+{
+    if constexpr (isRawField<T, S> && sizeof(T) > 1) {
+        if (!isTextMode(mode) && Kelm::bytesLeft(*pos) > sizeof(T) && (*pos)[sizeof(T)] == ';') {
+            typename Kelm::Detail::UintOf<sizeof(T)>::type image;
+            std::memcpy(&image, *pos, sizeof image);
+            if constexpr (std::endian::native == std::endian::big)
+                image = Kelm::Detail::swapBytes(image);
+            *pos += sizeof(T) + 1;
+            return std::bit_cast<T>(image);
+        }
+    }
+    T value = S::FromStream(pos, mode);
+    Kelm::readTerminator(pos, "Value::CommandSetValue", functionName);
+    return value;
+}
+} // namespace Detail
 
 template <typename T, typename F, typename S>
 Value<T, F, S>::Value(QString name, TValueState state) : ValueBase(std::move(name), state)
@@ -89,9 +137,9 @@ CommandSetValue<T, F, S>::CommandSetValue(Value<T, F, S> *value, T newValue, IOb
 template <typename T, typename F, typename S>
 CommandSetValue<T, F, S>::CommandSetValue(Value<T, F, S> *value, const char **pos,
                                           IObserver *source, int mode)
-    : CommandOnValue(kId, value, pos, source), m_newValue(S::FromStream(pos, mode))
+    : CommandOnValue(kId, value, pos, source),
+      m_newValue(Detail::readField<S, T>(pos, mode, "CommandSetValue"))
 {
-    Kelm::readTerminator(pos, "Value::CommandSetValue", "CommandSetValue");
 }
 
 template <typename T, typename F, typename S>
@@ -103,9 +151,7 @@ void CommandSetValue<T, F, S>::Execute()
 template <typename T, typename F, typename S>
 void CommandSetValue<T, F, S>::AddCommandString(std::string &out, int mode) const
 {
-    CommandOnValue::AddCommandString(out, mode);
-    AppendField<S>(out, m_newValue, mode);
-    out += ';';
+    Detail::appendCommand<S>(out, kId, m_newValue, mode);
 }
 
 template <typename T, typename F, typename S>

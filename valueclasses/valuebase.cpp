@@ -78,6 +78,38 @@ ValueBase &ValueBase::operator=(const ValueBase &other)
     return *this;
 }
 
+namespace {
+// Never destroyed: managers and values of static storage come and go until the very end.
+std::vector<IUndoManager *> &livingManagers()
+{
+    static auto *const living = new std::vector<IUndoManager *>;
+    return *living;
+}
+} // namespace
+
+IUndoManager::IUndoManager() { livingManagers().push_back(this); }
+
+IUndoManager::~IUndoManager()
+{
+    auto &living = livingManagers();
+    living.erase(std::remove(living.begin(), living.end(), this), living.end());
+}
+
+bool IUndoManager::IsAlive(const IUndoManager *manager)
+{
+    const auto &living = livingManagers();
+    return std::find(living.begin(), living.end(), manager) != living.end();
+}
+
+/// A value goes that a manager was given commands of. It may have had several managers.
+static void forgetUndo()
+{
+    const std::vector<IUndoManager *> present = livingManagers();
+    for (IUndoManager *manager : present)
+        if (IUndoManager::IsAlive(manager)) // a listener of an earlier one may end it
+            manager->ForgetValues();
+}
+
 ValueBase::~ValueBase()
 {
     if (!Kelm::isUnloading() && !Kelm::isAcceptableThread()) {
@@ -101,8 +133,8 @@ ValueBase::~ValueBase()
     // An observer that wasn't told, for a transaction is open, would keep a dangling pointer.
     setFlag(NotifyEnabled, true);
     ValueBase::NotifyObservers(CC_STATE, nullptr);
-    if (hasFlag(HasUndo) && IUndoManager::IsAlive(GetUndoManager()))
-        GetUndoManager()->ForgetValues(); // its commands would change a value that is gone
+    if (hasFlag(HasUndo))
+        forgetUndo();
     if (m_rare != nullptr && m_rare->notifyDeleteFn)
         std::exchange(m_rare->notifyDeleteFn, nullptr)(this);
     if (m_deleteObserver != nullptr)
@@ -289,29 +321,6 @@ LastDeletedObject &LastDeletedObject::Instance()
     // Never destroyed: values of static storage write here at the very end.
     static auto *const last = new LastDeletedObject;
     return *last;
-}
-
-namespace {
-// Never destroyed: managers and values of static storage come and go until the very end.
-std::vector<const IUndoManager *> &livingManagers()
-{
-    static auto *const living = new std::vector<const IUndoManager *>;
-    return *living;
-}
-} // namespace
-
-IUndoManager::IUndoManager() { livingManagers().push_back(this); }
-
-IUndoManager::~IUndoManager()
-{
-    auto &living = livingManagers();
-    living.erase(std::remove(living.begin(), living.end(), this), living.end());
-}
-
-bool IUndoManager::IsAlive(const IUndoManager *manager)
-{
-    const auto &living = livingManagers();
-    return std::find(living.begin(), living.end(), manager) != living.end();
 }
 
 namespace {

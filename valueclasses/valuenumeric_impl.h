@@ -351,9 +351,9 @@ CommandSetValueNum<T, F, S>::CommandSetValueNum(ValueNumeric<T, F, S> *value, T 
 template <typename T, typename F, typename S>
 CommandSetValueNum<T, F, S>::CommandSetValueNum(ValueNumeric<T, F, S> *value, int kind,
                                                 const char **pos, IObserver *source, int mode)
-    : CommandOnValue(kind, value, pos, source), m_number(S::FromStream(pos, mode))
+    : CommandOnValue(kind, value, pos, source),
+      m_number(Detail::readField<S, T>(pos, mode, "CommandSetValueNum"))
 {
-    Kelm::readTerminator(pos, "Value::CommandSetValue", "CommandSetValueNum");
 }
 
 template <typename T, typename F, typename S>
@@ -369,9 +369,7 @@ void CommandSetValueNum<T, F, S>::Execute()
 template <typename T, typename F, typename S>
 void CommandSetValueNum<T, F, S>::AddCommandString(std::string &out, int mode) const
 {
-    CommandOnValue::AddCommandString(out, mode);
-    AppendField<S>(out, m_number, mode);
-    out += ';';
+    Detail::appendCommand<S>(out, GetCommandId(), m_number, mode);
 }
 
 template <typename T, typename F, typename S>

@@ -87,6 +87,7 @@ TEST_F(UndoTest, AChangeOutsideOfAStackOrOfADeletedValueEmptiesTheHistory)
             auto dying = std::make_unique<Value<int>>();
             dying->SetUndoManager(&undo);
             stack("dying", [&] { dying->SetValue(1, nullptr); });
+            dying->SetUndoManager(nullptr); // too late: the manager has its command
         },
         [&] { undo = UndoManager(5); },
     };

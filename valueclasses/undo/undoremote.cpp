@@ -126,8 +126,9 @@ void UndoRecordingsToValueServer::TextChanged(const QString &text)
     try {
         done = isNumber && IUndoManager::IsAlive(m_manager) && m_manager->ExecuteUndoStacks(count);
     } catch (const std::exception &error) {
-        SPECTREE_TRACE(TraceWarnings, QStringLiteral("A client's undo broke off: %1")
-                                          .arg(QString::fromUtf8(error.what())));
+        SPECTREE_TRACE(
+            TraceWarnings,
+            QStringLiteral("A client's undo broke off: %1").arg(QString::fromUtf8(error.what())));
     }
     if (!done)
         SPECTREE_TRACE(TraceLifecycle,
