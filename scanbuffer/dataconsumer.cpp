@@ -2,6 +2,7 @@
 
 #include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
+#include "platform/base/tracelimit.h"
 #include "platform/transmission/consumerconnector.h"
 #include "platform/transmission/consumergroup.h"
 #include "scanbuffer/messages/mdata.h"
@@ -17,9 +18,10 @@ void guarded(Adapter_Type type, Handler handle)
     try {
         handle();
     } catch (const std::exception &error) {
-        SPECTREE_TRACE(TraceWarnings, QStringLiteral("A consumer of \"%1\" refused what came: %2")
-                                          .arg(QString::fromUtf8(sbs::adapterName(type)),
-                                               QString::fromUtf8(error.what())));
+        SPECTREE_TRACE_LIMITED(
+            TraceWarnings,
+            QStringLiteral("A consumer of \"%1\" refused what came: %2")
+                .arg(QString::fromUtf8(sbs::adapterName(type)), QString::fromUtf8(error.what())));
     }
 }
 
@@ -77,8 +79,8 @@ void DataConsumer::sendCommandOverConnector(const QByteArray &command)
     if (m_connector)
         m_connector->sendCommand(command);
     else
-        SPECTREE_TRACE(TraceWarnings,
-                       QStringLiteral("A consumer without a group dropped its command"));
+        SPECTREE_TRACE_LIMITED(TraceWarnings,
+                               QStringLiteral("A consumer without a group dropped its command"));
 }
 
 void DataConsumer::handleAdapterReady() {}

@@ -1,6 +1,7 @@
 #include "scanbuffer/datasourceadapter.h"
 
 #include "platform/base/errorhandler.h"
+#include "platform/base/tracelimit.h"
 #include "scanbuffer/mdatatypes.h"
 #include "scanbuffer/window/windowrelatedqobject.h"
 
@@ -16,9 +17,10 @@ void DataSourceAdapter::slotCommand(QByteArray command)
         if (const auto message = MData::FromBinary(command.constData(), command.size()))
             SetParameter(*message);
     } catch (const std::exception &error) {
-        SPECTREE_TRACE(TraceWarnings, QStringLiteral("An adapter dropped a command of %1 bytes: %2")
-                                          .arg(command.size())
-                                          .arg(QString::fromUtf8(error.what())));
+        SPECTREE_TRACE_LIMITED(TraceWarnings,
+                               QStringLiteral("An adapter dropped a command of %1 bytes: %2")
+                                   .arg(command.size())
+                                   .arg(QString::fromUtf8(error.what())));
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/base/tracelimit.h"
 #include "scanbuffer/scanbuffer_connector_yrange.h"
 #include "scanbuffer/window/windowadapter_impl.h"
 
@@ -42,7 +43,8 @@ void ScanBufferAdapter_YRange<Y, YHandler>::setYRange(const MData &parameter)
     if (std::isfinite(range->GetValue()) && std::isfinite(range->YValue()))
         this->window()->SetYRange(range->GetValue(), range->YValue(), range->ZValue());
     else
-        SPECTREE_TRACE(TraceWarnings, QStringLiteral("A y range that isn't finite was dropped"));
+        SPECTREE_TRACE_LIMITED(TraceWarnings,
+                               QStringLiteral("A y range that isn't finite was dropped"));
 }
 
 template <typename Y, typename YHandler>

@@ -1,15 +1,11 @@
 #include "apps/receiver/feeder.h"
 
-#include "apps/common/failure.h"
-#include "platform/base/krexception.h"
 #include "platform/base/sync.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace receiver {
-
-using apps::Failure;
 
 namespace {
 
@@ -65,10 +61,8 @@ void Feeder::run()
             m_timer.start(m_plan.speed == 0 ? 0 : int(std::ceil(microsecondsUntilDue() / 1000)));
         else
             Q_EMIT ended();
-    } catch (const Failure &failure) {
-        Q_EMIT failed(failure.sentence());
-    } catch (const KRException &error) {
-        Q_EMIT failed(error.GetReason());
+    } catch (const std::exception &error) {
+        Q_EMIT failed(QString::fromUtf8(error.what()));
     }
 }
 

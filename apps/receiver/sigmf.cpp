@@ -107,8 +107,8 @@ void readGlobal(const QJsonObject &global, SigMfMeta &meta, const QString &name)
         meta.warnings
             << QStringLiteral("%1: the first of %2 channels is read.").arg(name).arg(channels);
     meta.rate = global.value(QLatin1String("core:sample_rate")).toDouble(0);
-    if (meta.rate < 0 || meta.rate > 1e12)
-        throw broken(name, QStringLiteral("core:sample_rate is not between 1 and 1e12"));
+    if (meta.rate != 0 && !(meta.rate >= 1e-3 && meta.rate <= 1e12))
+        throw broken(name, QStringLiteral("core:sample_rate is not between 0.001 and 1e12"));
     meta.trailingBytes = wholeNumber(global, "core:trailing_bytes", 0, name);
     meta.dataset = global.value(QLatin1String("core:dataset")).toString();
     if (meta.dataset.contains(QLatin1Char('/')))

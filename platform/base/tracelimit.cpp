@@ -17,4 +17,9 @@ std::uint64_t TraceLimit::due()
     return m_count.exchange(0, std::memory_order_relaxed);
 }
 
+QString withTimes(const QString &text, std::uint64_t times)
+{
+    return times > 1 ? QStringLiteral("%1 (%2 times)").arg(text).arg(times) : text;
+}
+
 } // namespace Kelm

@@ -2,6 +2,8 @@
 
 #include "platform/base/export.h"
 
+#include <QString>
+
 #include <atomic>
 #include <cstdint>
 
@@ -25,4 +27,15 @@ private:
     std::atomic<std::int64_t> m_nextMs{0}; // steady clock
 };
 
+/// \a text, and how often when that was more than once.
+SPECTREE_EXPORT QString withTimes(const QString &text, std::uint64_t times);
+
 } // namespace Kelm
+
+/// SPECTREE_TRACE (errorhandler.h) for such a fault: one line a second from each place.
+#define SPECTREE_TRACE_LIMITED(bits, message)                                                      \
+    do {                                                                                           \
+        static Kelm::TraceLimit spectreeLimit;                                                     \
+        if (const auto spectreeTimes = spectreeLimit.due())                                        \
+            SPECTREE_TRACE(bits, Kelm::withTimes((message), spectreeTimes));                       \
+    } while (false)

@@ -2,7 +2,7 @@
 #include "platform/base/krexception.h"
 #include "platform/base/sync.h"
 #include "platform/transmission/consumerconnector_p.h"
-#include "platform/transmission/servercore_p.h"
+#include "platform/transmission/socketcalls_p.h"
 
 #include <algorithm>
 #include <atomic>
@@ -86,7 +86,7 @@ void ConsumerConnectorPrivate::open()
         m_socket->set(zmq::sockopt::ipv6, m_address.contains('['));
         setKeys();
         openMonitor();
-        m_socket->connect(m_address.constData());
+        uninterrupted([this] { m_socket->connect(m_address.constData()); });
     } catch (const zmq::error_t &error) {
         close();
         m_phase = Phase::idle;
@@ -139,14 +139,16 @@ bool ConsumerConnectorPrivate::trySend(const frames::FromConsumer &frame, const 
         return false;
     using zmq::send_flags;
     const std::string header = frames::encode(frame);
+    const auto send = [this](zmq::const_buffer part, send_flags flags) {
+        return uninterrupted([&] { return m_socket->send(part, flags); }).has_value();
+    };
     try {
-        if (!m_socket->send(zmq::buffer(header), message
-                                                     ? send_flags::sndmore | send_flags::dontwait
-                                                     : send_flags::dontwait))
+        if (!send(zmq::buffer(header),
+                  message ? send_flags::sndmore | send_flags::dontwait : send_flags::dontwait))
             return false;
         if (message)
-            m_socket->send(zmq::buffer(message->constData(), std::size_t(message->size())),
-                           send_flags::dontwait);
+            send(zmq::buffer(message->constData(), std::size_t(message->size())),
+                 send_flags::dontwait);
     } catch (const zmq::error_t &) {
         return false;
     }
@@ -158,7 +160,7 @@ void ConsumerConnectorPrivate::readOnIfNeeded()
 {
     // Using the socket may have taken in what its descriptor announced, and then the notifier stays
     // silent.
-    if (m_readPosted || !m_socket || !(m_socket->get(zmq::sockopt::events) & ZMQ_POLLIN))
+    if (m_readPosted || !m_socket || !isReadable(*m_socket))
         return;
     m_readPosted = true;
     Kelm::post(&m_q, [this] {
@@ -176,8 +178,10 @@ bool ConsumerConnectorPrivate::readSocket()
             if (!handle(parts))
                 return false;
         }
-        if (m_phase == Phase::ready)
+        if (m_phase == Phase::ready) {
             sendProgress();
+            flushCommands();
+        }
         readOnIfNeeded();
     } catch (const zmq::error_t &error) {
         if (const auto times = m_errorTrace.due())
@@ -294,6 +298,8 @@ void ConsumerConnectorPrivate::sendProgress()
 
 void ConsumerConnectorPrivate::sendCommand(const QByteArray &command)
 {
+    if (m_phase == Phase::ready)
+        flushCommands();
     if (m_phase == Phase::ready && m_waiting.empty() && trySend(frames::Command{}, &command))
         return;
     if (m_waiting.size() >= kMaxWaitingCommands) {

@@ -39,8 +39,9 @@ public:
     /// signals are connected. \throws KRException for an address or a key that is none
     void join(const ConsumerGroup &group);
 
-    /// Sends \a command to the adapter's slotCommand. Before the adapter is ready commands wait, at
-    /// most 256 (the oldest go), and are sent in their order before signalAdapterReady().
+    /// Sends \a command to the adapter's slotCommand. Commands that the link doesn't take yet wait,
+    /// at most 256 (the oldest go), and are sent in their order; those from before the adapter was
+    /// ready, before signalAdapterReady().
     void sendCommand(const QByteArray &command);
     /// Asks the adapter for its whole state.
     void requestFullState();

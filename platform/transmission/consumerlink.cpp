@@ -2,7 +2,7 @@
 // again.
 #include "platform/base/krexception.h"
 #include "platform/transmission/consumerconnector_p.h"
-#include "platform/transmission/servercore_p.h"
+#include "platform/transmission/socketcalls_p.h"
 
 #include <algorithm>
 #include <cstring>
@@ -89,7 +89,7 @@ void ConsumerConnectorPrivate::openMonitor()
         throw zmq::error_t();
     m_monitor.emplace(*m_context, zmq::socket_type::pair);
     m_monitor->set(zmq::sockopt::linger, 0);
-    m_monitor->connect(name);
+    uninterrupted([&] { m_monitor->connect(name); });
     m_monitorNotifier = watch(*m_monitor, &ConsumerConnectorPrivate::readMonitor);
 }
 
@@ -109,7 +109,7 @@ bool ConsumerConnectorPrivate::readMonitor()
                 m_lastTrouble = QStringLiteral("no server answers there");
         }
     } catch (const zmq::error_t &) {
-        // Interrupted; the timer looks after the link as well.
+        // The timer looks after the link as well.
     }
     return true;
 }

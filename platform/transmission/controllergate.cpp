@@ -29,13 +29,19 @@ bool ControllerGate::isOpen() const
     return m_controller != nullptr;
 }
 
-bool ControllerGate::post(Work work)
+bool ControllerGate::post(Work work, std::size_t bytes)
 {
     const Kelm::MutexLocker lock(m_mutex);
     if (!m_controller)
         return false;
     IAdapterController *const controller = m_controller;
-    Kelm::post(controller, [controller, task = std::move(work)] { runGuarded(task, *controller); });
+    m_pendingWorks.fetch_add(1);
+    m_pendingBytes.fetch_add(bytes);
+    Kelm::post(controller, [gate = shared_from_this(), controller, bytes, task = std::move(work)] {
+        gate->m_pendingWorks.fetch_sub(1);
+        gate->m_pendingBytes.fetch_sub(bytes);
+        runGuarded(task, *controller);
+    });
     return true;
 }
 

@@ -25,8 +25,12 @@ public:
 
     bool isOpen() const;
     /// Runs \a work on the controller's thread, in the order of the posts; what it throws is
-    /// traced, once a second at most. False when the controller has gone.
-    bool post(Work work);
+    /// traced, once a second at most. \a bytes is what it carries. False when the controller has
+    /// gone.
+    bool post(Work work, std::size_t bytes = 0);
+    /// What was posted and has not run yet.
+    std::size_t pendingWorks() const { return m_pendingWorks.load(); }
+    std::size_t pendingBytes() const { return m_pendingBytes.load(); }
     /// Adds to what the controller's next signalLostMessages tells.
     void countLost(std::uint64_t count);
     /// The controller goes.
@@ -42,6 +46,7 @@ public:
 private:
     mutable Kelm::Mutex m_mutex;
     IAdapterController *m_controller SPECTREE_GUARDED_BY(m_mutex);
+    std::atomic<std::size_t> m_pendingWorks{0}, m_pendingBytes{0};
     std::atomic<std::uint64_t> m_lost{0};
     std::atomic<bool> m_reportPending{false};
 };

@@ -1,6 +1,7 @@
 #include "platform/base/krexception.h"
 #include "platform/transmission/iothread_p.h"
 #include "platform/transmission/servercore_p.h"
+#include "platform/transmission/socketcalls_p.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -159,9 +160,11 @@ void IoThread::answerKeyQuestions()
                                           "",
                                           ""};
             for (std::size_t i = 0; i < std::size(answer); ++i)
-                m_keyQuestions.send(zmq::buffer(answer[i]), i + 1 < std::size(answer)
-                                                                ? zmq::send_flags::sndmore
-                                                                : zmq::send_flags::none);
+                uninterrupted([&] {
+                    return m_keyQuestions.send(zmq::buffer(answer[i]),
+                                               i + 1 < std::size(answer) ? zmq::send_flags::sndmore
+                                                                         : zmq::send_flags::none);
+                });
         }
     } catch (const zmq::error_t &) {
         // The asker has gone; ZeroMQ refuses a client that gets no answer.

@@ -29,8 +29,9 @@ struct SPECTREE_EXPORT ServerOptions {
 
     std::size_t maxConsumers = 256;
     std::size_t maxCommandBytes = std::size_t(16) << 20; ///< largest frame from a consumer
-    std::size_t maxPendingCommands = 4096;               ///< a consumer's, before its adapter ran
-    std::size_t maxQueuedMassdata = 64;                  ///< a consumer's, beyond its credits
+    std::size_t maxPendingCommands = 4096;               ///< a window's, before its thread ran
+    std::size_t maxPendingCommandBytes = std::size_t(64) << 20;
+    std::size_t maxQueuedMassdata = 64; ///< a consumer's, beyond its credits
     std::size_t maxQueuedMassdataBytes = std::size_t(64) << 20;
     std::size_t maxUnseenStates = 4096; ///< a consumer that takes in no more is disconnected
     std::size_t maxUnseenStateBytes = std::size_t(256) << 20;

@@ -3,6 +3,7 @@
 #include "platform/transmission/endpoint_p.h"
 #include "platform/transmission/iothread_p.h"
 #include "platform/transmission/servercore_p.h"
+#include "platform/transmission/socketcalls_p.h"
 
 #include <algorithm>
 #include <atomic>
@@ -12,9 +13,8 @@
 namespace sbs {
 namespace {
 
-constexpr int kBatch = 64;        // messages read under one lock
-constexpr int kBatchesAPass = 16; // before other servers have their turn
-constexpr std::size_t kMaxParts = 8;
+constexpr int kBatch = 64;           // messages read under one lock
+constexpr int kBatchesAPass = 16;    // before other servers have their turn
 constexpr int kCopiedPayload = 8192; // up to here a copy is cheaper than handing memory over
 constexpr auto kPortLinger = std::chrono::milliseconds(400);
 
@@ -56,8 +56,7 @@ void bindPatiently(zmq::socket_t &socket, const QByteArray &endpoint)
 {
     for (const auto end = Clock::now() + kPortLinger;;) {
         try {
-            socket.bind(endpoint.constData());
-            return;
+            return uninterrupted([&] { socket.bind(endpoint.constData()); });
         } catch (const zmq::error_t &error) {
             if (error.num() != EADDRINUSE || Clock::now() >= end)
                 failToListen(endpoint, QString::fromUtf8(error.what()));
@@ -67,20 +66,6 @@ void bindPatiently(zmq::socket_t &socket, const QByteArray &endpoint)
 }
 
 } // namespace
-
-bool receiveParts(zmq::socket_t &socket, Parts &parts)
-{
-    parts.clear();
-    for (bool more = true; more;) {
-        zmq::message_t part;
-        if (!socket.recv(part, zmq::recv_flags::dontwait))
-            return false;
-        more = part.more();
-        if (parts.size() < kMaxParts)
-            parts.push_back(std::move(part));
-    }
-    return true;
-}
 
 ServerCore::ServerCore(std::unique_ptr<IAdapterFactory const> adapters,
                        std::unique_ptr<IAdapterControllerFactory const> controllers,
@@ -170,7 +155,7 @@ bool ServerCore::service()
     releaseWindows(now);
     // The answers sent meanwhile may have taken in what the descriptor announced.
     const Kelm::MutexLocker lock(m_mutex);
-    return more || (m_socket.get(zmq::sockopt::events) & ZMQ_POLLIN) != 0;
+    return more || isReadable(m_socket);
 }
 
 bool ServerCore::receiveBatch(std::vector<Parts> &batch)
@@ -181,9 +166,9 @@ bool ServerCore::receiveBatch(std::vector<Parts> &batch)
         Parts parts;
         while (batch.size() < kBatch && receiveParts(m_socket, parts))
             batch.push_back(std::move(parts));
-        return (m_socket.get(zmq::sockopt::events) & ZMQ_POLLIN) != 0;
+        return isReadable(m_socket);
     } catch (const zmq::error_t &) {
-        return false; // interrupted: the next tick reads on
+        return false; // no memory for a message, say: the next tick reads on
     }
 }
 
@@ -243,13 +228,16 @@ bool ServerCore::transmitTo(const std::string &route, const char *header, std::s
                             const QByteArray *payload)
 {
     using zmq::send_flags;
+    constexpr send_flags kMore = send_flags::sndmore | send_flags::dontwait;
+    const auto send = [&socket = m_socket](auto &&part, send_flags flags) {
+        return uninterrupted([&] { return socket.send(part, flags); }).has_value();
+    };
     try {
-        if (!m_socket.send(zmq::buffer(route), send_flags::sndmore | send_flags::dontwait))
+        if (!send(zmq::buffer(route), kMore))
             return false;
-        m_socket.send(zmq::buffer(header, size),
-                      payload ? send_flags::sndmore | send_flags::dontwait : send_flags::dontwait);
+        send(zmq::buffer(header, size), payload ? kMore : send_flags::dontwait);
         if (payload)
-            m_socket.send(toMessage(*payload), send_flags::dontwait);
+            send(toMessage(*payload), send_flags::dontwait);
         return true;
     } catch (const zmq::error_t &) {
         return false;
@@ -259,7 +247,7 @@ bool ServerCore::transmitTo(const std::string &route, const char *header, std::s
 void ServerCore::wakeIfReadable()
 {
     // Sending may have taken in what the descriptor announced, so the I/O thread would not notice.
-    if (m_socket.get(zmq::sockopt::events) & ZMQ_POLLIN)
+    if (isReadable(m_socket))
         m_io.wake();
 }
 

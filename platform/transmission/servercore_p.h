@@ -21,10 +21,6 @@ class IoThread;
 /// Mass data that a consumer may have under way at most, whatever it grants.
 inline constexpr std::uint32_t kMaxCredits = 1024;
 
-/// Receives all parts of one message without waiting; at most eight are kept. False when there is
-/// none.
-bool receiveParts(zmq::socket_t &socket, std::vector<zmq::message_t> &parts);
-
 /// The inside of a Server: its socket, its sessions and their windows.
 ///
 /// The I/O thread reads and decides who comes and goes. Adapters send on their own threads: the
@@ -75,6 +71,8 @@ private:
     void hello(const std::string &route, const frames::Hello &hello);
     std::string findWindow(const QString &guid, std::shared_ptr<ControllerGate> &gate);
     void startSession(const SessionPtr &session);
+    bool isBusy(const ControllerGate &gate, std::size_t moreBytes) const;
+    void requestState(const SessionPtr &session);
     void command(const SessionPtr &session, zmq::message_t &payload);
     void progress(const SessionPtr &session, const frames::Progress &frame);
     void rejectFrame(const std::string &why);

@@ -77,10 +77,7 @@ void ServerCore::handleFrame(const std::string &route, const frames::FromConsume
     else if (const auto *news = std::get_if<frames::Progress>(&frame))
         progress(session, *news);
     else if (std::holds_alternative<frames::RequestState>(frame))
-        session->gate->post([session](IAdapterController &controller) {
-            if (const auto adapter = ControllerGate::find(controller, session->identity))
-                adapter->slotRequestFullStateUpdate();
-        });
+        requestState(session);
     else if (std::holds_alternative<frames::Bye>(frame))
         closeSession(session, Tell::nobody, "the consumer ended");
 }
@@ -104,6 +101,8 @@ void ServerCore::hello(const std::string &route, const frames::Hello &hello)
     std::shared_ptr<ControllerGate> gate;
     if (const std::string why = findWindow(guid, gate); !why.empty())
         return refuse(route, false, why);
+    if (isBusy(*gate, 0))
+        return refuse(route, false, "The window is too busy");
 
     const auto session =
         std::make_shared<ServerSession>(m_options, std::min(hello.credits, kMaxCredits));
@@ -193,15 +192,39 @@ void ServerCore::fail(ServerSession &session, const std::string &reason)
     m_io.wake();
 }
 
+/// Counted by window: a consumer that is shut out and comes back must not begin at nothing.
+bool ServerCore::isBusy(const ControllerGate &gate, std::size_t moreBytes) const
+{
+    return gate.pendingWorks() >= m_options.maxPendingCommands ||
+           gate.pendingBytes() + moreBytes > m_options.maxPendingCommandBytes;
+}
+
+/// Requests that wait for a busy adapter are one, up to the next command: each would be answered
+/// with the same state.
+void ServerCore::requestState(const SessionPtr &session)
+{
+    if (session->stateRequestPending.exchange(true))
+        return;
+    session->gate->post([session](IAdapterController &controller) {
+        session->stateRequestPending.store(false);
+        if (const auto adapter = ControllerGate::find(controller, session->identity))
+            adapter->slotRequestFullStateUpdate();
+    });
+}
+
 void ServerCore::command(const SessionPtr &session, zmq::message_t &payload)
 {
-    session->pendingCommands.fetch_add(1);
-    session->gate->post([session, command = QByteArray(payload.data<char>(), int(payload.size()))](
-                            IAdapterController &controller) {
-        session->pendingCommands.fetch_sub(1);
-        if (const auto adapter = ControllerGate::find(controller, session->identity))
-            adapter->slotCommand(command);
-    });
+    const std::size_t size = payload.size();
+    if (isBusy(*session->gate, size))
+        return closeSession(session, Tell::consumer, "The consumer sends too many commands");
+    session->stateRequestPending.store(false); // the next one wants to know what this one did
+    session->gate->post(
+        [session,
+         command = QByteArray(payload.data<char>(), int(size))](IAdapterController &controller) {
+            if (const auto adapter = ControllerGate::find(controller, session->identity))
+                adapter->slotCommand(command);
+        },
+        size);
 }
 
 void ServerCore::progress(const SessionPtr &session, const frames::Progress &frame)
@@ -270,8 +293,6 @@ std::string ServerCore::reasonToClose(const ServerSession &session, Clock::time_
         return "The consumer was silent";
     if (session.flow.isStuck())
         return "The consumer takes in no state";
-    if (session.pendingCommands.load() > m_options.maxPendingCommands)
-        return "The consumer sends too many commands";
     return {};
 }
 

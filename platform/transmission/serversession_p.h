@@ -76,7 +76,7 @@ struct ServerSession : private Kelm::Counted<ServerSession> {
     Phase phase = Phase::starting;
     OutgoingFlow flow;
     Clock::time_point lastHeard, lastSent;
-    std::atomic<std::size_t> pendingCommands{0};
+    std::atomic<bool> stateRequestPending{false};
 };
 
 } // namespace sbs

@@ -2,6 +2,7 @@
 
 #include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
+#include "platform/base/tracelimit.h"
 #include "scanbuffer/datasourceadapter.h"
 #include "scanbuffer/messages/mdatascalar.h"
 #include "scanbuffer/windowrelated.h"
@@ -45,11 +46,11 @@ bool takeDimension(const MData &message, short &dimension)
         }
     } catch (const KRException &) {
     }
-    SPECTREE_TRACE(TraceWarnings,
-                   QStringLiteral("An adapter was asked for dimension %1, which its samples "
-                                  "don't have; it keeps %2")
-                       .arg(*wanted)
-                       .arg(dimension));
+    SPECTREE_TRACE_LIMITED(
+        TraceWarnings, QStringLiteral("An adapter was asked for dimension %1, which its samples "
+                                      "don't have; it keeps %2")
+                           .arg(*wanted)
+                           .arg(dimension));
     return false;
 }
 

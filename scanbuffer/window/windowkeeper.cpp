@@ -102,9 +102,9 @@ void WindowKeeper::end(Entry &entry)
 {
     if (entry.window == nullptr)
         return;
-    entry.thread->quit();
     std::erase_if(m_ending, [](const QPointer<QThread> &thread) { return thread.isNull(); });
-    m_ending.emplace_back(entry.thread);
+    m_ending.emplace_back(entry.thread); // before it is told: it may be gone right after
+    entry.thread->quit();
     entry = {};
 }
 
@@ -112,8 +112,10 @@ void WindowKeeper::remove(const QString &winGUID)
 {
     {
         const ReportingLocker lock(m_lock);
-        if (const auto found = m_windows.find(winGUID); found != m_windows.end())
+        if (const auto found = m_windows.find(winGUID); found != m_windows.end()) {
             end(found->second);
+            m_windows.erase(found); // clients come with new GUIDs for ever
+        }
     }
     SPECTREE_TRACE(TraceLifecycle,
                    QStringLiteral("Scanbufferserver deleted WindowData[%1]").arg(winGUID));

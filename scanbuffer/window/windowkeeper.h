@@ -39,7 +39,7 @@ public:
 
 private:
     struct Entry {
-        WindowRelatedQObject *window = nullptr; // null once it was removed
+        WindowRelatedQObject *window = nullptr; // null when none could be made
         QThread *thread = nullptr;
     };
 

@@ -2,6 +2,7 @@
 
 // Birth, adapters and settings of a window; the pass and the visit stand beside it.
 #include "platform/base/errorhandler.h"
+#include "platform/base/tracelimit.h"
 #include "scanbuffer/scanbuffer_connector_scanline.h"
 #include "scanbuffer/scanbuffer_connector_statistics.h"
 #include "scanbuffer/scanbuffer_connector_waterfall.h"
@@ -118,12 +119,13 @@ void WindowRelated<Y, YHandler>::SetXRange(const AxisData &range)
         return;
     axisDefinition wanted;
     if (!wanted.ApplyAxisDefinitionSet(range)) {
-        SPECTREE_TRACE(TraceWarnings,
-                       QStringLiteral("Window %1 keeps its x-axis: %2 to %3 over %4 pixels is none")
-                           .arg(WinGUID())
-                           .arg(range.min)
-                           .arg(range.max)
-                           .arg(range.pixelCount));
+        SPECTREE_TRACE_LIMITED(
+            TraceWarnings,
+            QStringLiteral("Window %1 keeps its x-axis: %2 to %3 over %4 pixels is none")
+                .arg(WinGUID())
+                .arg(range.min)
+                .arg(range.max)
+                .arg(range.pixelCount));
         return;
     }
     m_pendingXRange = range;

@@ -2,6 +2,7 @@
 
 #include "platform/base/errorhandler.h"
 #include "platform/base/sync.h"
+#include "platform/base/tracelimit.h"
 #include "platform/base/types.h"
 #include "scanbuffer/idatasourceadapter.h"
 #include "scanbuffer/scanbufferqobject.h"
@@ -231,9 +232,9 @@ void WindowRelatedQObject::slotSetDefaultCompression(std::vector<int> settings)
         if (m_compression)
             m_compression->details().Set(settings, true);
     } catch (const std::exception &error) {
-        SPECTREE_TRACE(TraceWarnings,
-                       QStringLiteral("Compression settings of window %1 left as they are: %2")
-                           .arg(m_winGUID, QString::fromUtf8(error.what())));
+        SPECTREE_TRACE_LIMITED(
+            TraceWarnings, QStringLiteral("Compression settings of window %1 left as they are: %2")
+                               .arg(m_winGUID, QString::fromUtf8(error.what())));
         return;
     }
     compressionSettingsChanged(false);

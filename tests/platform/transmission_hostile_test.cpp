@@ -4,7 +4,10 @@
 #include <gtest/gtest.h>
 #include <zmq.hpp>
 
+#include <csignal>
+#include <future>
 #include <string>
+#include <sys/time.h>
 #include <vector>
 
 namespace {
@@ -51,6 +54,19 @@ public:
 private:
     std::shared_ptr<zmq::context_t> m_context;
     zmq::socket_t m_socket;
+};
+
+/// Keeps the thread of a window busy while it lives.
+class BusyThread {
+public:
+    explicit BusyThread(QObject &window)
+    {
+        Kelm::post(&window, [end = m_end.get_future().share()] { end.wait(); });
+    }
+    ~BusyThread() { m_end.set_value(); }
+
+private:
+    std::promise<void> m_end;
 };
 
 TEST(TransmissionHostile, MalformedFramesAreCountedAndReachNoAdapter)
@@ -122,6 +138,55 @@ TEST(TransmissionHostile, APeerThatTakesInNoStateIsDisconnected)
             adapter.sendIncrementalStateUpdate("change");
     });
     EXPECT_TRUE(waitFor([&] { return server->statistics().consumers == 0; }));
+}
+
+TEST(TransmissionHostile, ABusyWindowIsNotBuriedInRequests)
+{
+    Windows windows;
+    sbs::ServerOptions options = fastOptions();
+    options.maxPendingCommandBytes = 1000;
+    const auto server = makeServer(windows, options);
+    RawPeer peer(server->getEndpoint());
+    peer.sayHello();
+    ASSERT_TRUE(peer.expect<State>() && peer.expect<State>());
+    {
+        const BusyThread busy(*windows.createOrGet(QStringLiteral("w")));
+        for (int i = 0; i < 20; ++i)
+            peer.say({encode(FromConsumer(RequestState{}))});
+        peer.say({"junk"});
+        ASSERT_TRUE(waitFor([&] { return server->statistics().rejectedFrames == 1; }));
+    }
+    ASSERT_EQ(peer.expect<State>()->number, 3u);
+    peer.say({encode(FromConsumer(Command{})), "command"});
+    EXPECT_FALSE(peer.expect<State>()->full) << "the 20 requests were not answered as one";
+    const BusyThread busy(*windows.createOrGet(QStringLiteral("w")));
+    for (int i = 0; i < 2; ++i)
+        peer.say({encode(FromConsumer(Command{})), std::string(600, 'c')});
+    const auto farewell = peer.expect<Farewell>();
+    ASSERT_TRUE(farewell);
+    EXPECT_EQ(farewell->reason, "The consumer sends too many commands");
+}
+
+/// Runs the transmission while signals interrupt its threads, this one included.
+TEST(TransmissionHostile, SignalsInterruptNothing)
+{
+    struct sigaction action = {};
+    action.sa_handler = [](int) {};
+    action.sa_flags = SA_RESTART;
+    sigaction(SIGPROF, &action, nullptr);
+    Windows windows;
+    const auto server = makeServer(windows);
+    Consumer consumer(server->getEndpoint());
+    ASSERT_TRUE(consumer.waitForReady());
+    const itimerval often = {{0, 200}, {0, 200}}, never = {};
+    setitimer(ITIMER_PROF, &often, nullptr);
+    Controller *const window = windows.createOrGet(QStringLiteral("w"));
+    for (QDeadlineTimer limit(700); !limit.hasExpired();)
+        window->withAdapters([](sbs::Adapter &adapter) {
+            adapter.sendIncrementalStateUpdate("x");
+            QCoreApplication::processEvents();
+        });
+    setitimer(ITIMER_PROF, &never, nullptr);
 }
 
 TEST(TransmissionHostile, AKilledConsumerIsReplacedWhenItComesBack)

@@ -145,6 +145,7 @@ public:
         return all;
     }
 
+    Kelm::Mutex m_door; // while it is held, the server waits for the window that it asks for
     std::atomic<int> m_made{0}, m_released{0};
     std::atomic<std::uint64_t> m_lost{0};
     std::atomic<bool> m_wrongThread{false};
@@ -172,6 +173,7 @@ public:
     explicit Controllers(Windows &windows) : m_windows(windows) {}
     sbs::IAdapterController *create(const QString &guid) const override
     {
+        const Kelm::MutexLocker lock(m_windows.m_door);
         return guid == QStringLiteral("forbidden") ? nullptr : m_windows.createOrGet(guid);
     }
     void release(const QString &guid) const override

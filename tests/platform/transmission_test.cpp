@@ -92,6 +92,26 @@ TEST(Transmission, MassdataOfAnOldStateAreDroppedUnsent)
     EXPECT_EQ(windows.m_lost, 0u); // outdated, not lost
 }
 
+TEST(Transmission, CommandsThatTheLinkDidNotTakeFollowLater)
+{
+    Windows windows;
+    const auto server = makeServer(windows);
+    Consumer consumer(server->getEndpoint());
+    ASSERT_TRUE(consumer.waitForReady());
+    std::unique_ptr<Consumer> other;
+    {
+        const Kelm::MutexLocker locker(windows.m_door);
+        other = std::make_unique<Consumer>(server->getEndpoint(), QStringLiteral("other"));
+        runFor(50);                    // the server stands at the door now
+        for (int i = 0; i < 3500; ++i) // more than all queues on the way hold
+            consumer.m_connector->sendCommand(QByteArray(12000, 'c'));
+        consumer.m_connector->sendCommand("last");
+    }
+    EXPECT_TRUE(waitFor([&] { return consumer.m_states.contains("last"); }));
+    consumer.m_connector->sendCommand("after");
+    EXPECT_TRUE(waitFor([&] { return consumer.m_states.contains("after"); }));
+}
+
 TEST(Transmission, AServerThatComesBackIsFoundAgain)
 {
     Windows windows;
