@@ -25,11 +25,12 @@ std::unique_ptr<Feeder> makeFeeder(const Options &options)
         return std::make_unique<Feeder>(std::move(input), std::move(sink),
                                         FeedPlan{options.speed, options.loop, options.wait});
     } catch (const KRException &error) {
-        const QString sentence =
-            error.GetClassName() == "Server"
-                ? QStringLiteral("%1 The address is given with --listen.")
-                : QStringLiteral("%1. Take other channels, or less of them with --ranges.");
-        throw Failure(Failure::Runtime, sentence.arg(error.GetReason()));
+        QString sentence = error.GetReason();
+        if (error.GetClassName() == "Server")
+            sentence += QStringLiteral(" The address is given with --listen.");
+        else if (error.GetClassName() == "ScanBuffer")
+            sentence += QStringLiteral(". Take other channels, or less of them with --ranges.");
+        throw Failure(Failure::Runtime, sentence);
     }
 }
 
