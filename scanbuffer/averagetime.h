@@ -7,7 +7,8 @@ namespace sbs {
 
 /// Running mean of the interval between events: each new interval counts for a tenth.
 ///
-/// A stamp that runs back, a first stamp, or a gap of more than ten minutes starts over.
+/// A stamp that runs back, a first stamp, 0 for no stamp, or a gap of more than ten minutes starts
+/// over.
 /// Threads: none of its own.
 class SPECTREE_EXPORT AverageTime {
 public:

@@ -11,8 +11,8 @@ public:
     virtual std::uint32_t getMaximumNumberOfLines() const = 0;
     /// Lines that the ring can hold, times channels, times the packed size of a sample.
     virtual std::uint64_t getSizeInBytes() const = 0;
-    /// The limit that setNumberOfLines() keeps; a larger ring shrinks at once. 0 leaves the limit
-    /// alone.
+    /// The limit that setNumberOfLines() keeps; a larger ring shrinks at once, down to the few
+    /// lines that it always has.
     virtual void setMaximumSizeInBytes(std::uint64_t bytes) = 0;
     /// Asks for a ring of \a lines; returns the number reached, which the limits may lower, or 0
     /// while no channels are known.

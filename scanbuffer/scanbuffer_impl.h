@@ -200,8 +200,7 @@ void ScanBuffer<Y, YHandler>::finishScan(std::optional<KRTimeStamp> time)
         Line &line = m_lines.currentLine();
         if (time)
             line.setLastTimeStamp(*time);
-        if (const KRTimeStamp began = line.getFirstTimeStamp(); began != 0)
-            m_scanRate.addTimeStamp(began);
+        m_scanRate.addTimeStamp(line.getFirstTimeStamp());
         finishLine();
         scansPerSecond = m_scanRate.averageEventsPerSecond();
     }

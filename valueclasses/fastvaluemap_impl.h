@@ -100,11 +100,15 @@ requires SampleHandler<YHandler, Y> std::span<const SpectralDataPiece<Y>>
 FastValueMap<Y, YHandler>::split(unsigned int firstChannel, unsigned int count, const Y *values)
 {
     m_pieces.clear();
+    const auto &ranges = m_definition.GetIndexedRanges();
+    const auto *range = ranges.data() + ranges.size(), *const end = range;
     while (count != 0) {
-        const auto &range = m_definition.GetIndexedRangeForChannelId(firstChannel);
-        const unsigned int offset = firstChannel - range.firstChannelId;
-        const unsigned int taken = std::min(count, range.channelCount - offset);
-        m_pieces.push_back({range.firstIndex + offset, taken, values});
+        // Mostly the next one; a search for each takes long in a grid of many short ranges.
+        if (range == end || ++range == end || !range->HoldsChannelId(firstChannel))
+            range = &m_definition.GetIndexedRangeForChannelId(firstChannel);
+        const unsigned int offset = firstChannel - range->firstChannelId;
+        const unsigned int taken = std::min(count, range->channelCount - offset);
+        m_pieces.push_back({range->firstIndex + offset, taken, values});
         if (values != nullptr)
             values += taken;
         firstChannel += taken;

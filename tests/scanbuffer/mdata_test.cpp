@@ -202,6 +202,18 @@ TEST(MDataContainer, ABrokenMessageHidesThoseBehindIt)
     }
 }
 
+TEST(MDataContainer, AContainerInsideUnpacksWhenItIsAsked)
+{
+    const std::string good = MDataId(MDT_XMarkerResult).GetBinary();
+    const std::string broken = fromHex("4a000000 04000000 00000000 0100 3b");
+    MDataByteArray bytes(QByteArray::fromStdString(broken + good), 2, MDT_Container);
+    const auto outer = parseAs<MDataContainer>(bytes.GetBinary());
+    const auto inner = outer->getMData(0);
+    EXPECT_EQ(dynamic_cast<MDataContainer &>(*inner).getMData(0), nullptr);
+    EXPECT_THROW(dynamic_cast<MDataContainer &>(*inner).addMData(*inner), KRException);
+    EXPECT_NE(outer->getMData(1), nullptr) << "what is behind it doesn't suffer";
+}
+
 TEST(MDataWaterfall, UnpacksOnDemand)
 {
     std::string pixels(2000, 'a');

@@ -199,7 +199,7 @@ TEST_F(ScanBufferTest, LooksUpLinesByTime)
     buffer->setChannelRangeDefinition(grid(4));
     for (const KRTimeStamp time : {100, 200, 300, 400, 500, 600}) // keeps ids 3 to 6
         scan(time);
-    const double rate = scansPerSecond;
+    EXPECT_GT(scansPerSecond, 0.0);
     buffer->addSpectralData({0, 1, &sample}); // id 7 has no time
     read([](const Access &access) {
         const std::pair<KRTimeStamp, std::uint64_t> cases[] = {{299, 0}, {300, 3}, {399, 3},
@@ -208,7 +208,7 @@ TEST_F(ScanBufferTest, LooksUpLinesByTime)
             EXPECT_EQ(access.getIdForTimeStamp(time), id) << time;
     });
     buffer->endOfScan();
-    EXPECT_EQ(scansPerSecond, rate) << "a line without a time tells nothing about the rate";
+    EXPECT_EQ(scansPerSecond, 0.0) << "behind a line without a time the rate starts over";
 }
 
 TEST_F(ScanBufferTest, OldLinesKeepTheirDefinition)

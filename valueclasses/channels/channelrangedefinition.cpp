@@ -95,10 +95,20 @@ void ChannelRangeDefinition::clear()
 
 void ChannelRangeDefinition::checkDuplicates() const
 {
-    for (auto range = m_ranges.begin(); range != m_ranges.end(); ++range)
-        for (auto before = m_ranges.begin(); before != range; ++before)
-            if (range->second.SharesIdsWith(before->second))
-                throw DuplicateChannelIdException();
+    // Sorted: a definition from outside may hold 500 000 ranges, too many to compare all pairs.
+    std::vector<const ChannelRange *> ranges;
+    ranges.reserve(m_ranges.size());
+    for (const auto &[key, range] : m_ranges)
+        if (range.GetChannelCount() != 0)
+            ranges.push_back(&range);
+    std::sort(ranges.begin(), ranges.end(), [](const ChannelRange *a, const ChannelRange *b) {
+        return a->GetFirstChannelId() < b->GetFirstChannelId();
+    });
+    const auto share = [](const ChannelRange *a, const ChannelRange *b) {
+        return a->SharesIdsWith(*b);
+    };
+    if (std::adjacent_find(ranges.begin(), ranges.end(), share) != ranges.end())
+        throw DuplicateChannelIdException();
 }
 
 void ChannelRangeDefinition::rebuildIndex()
@@ -221,9 +231,12 @@ ChannelRangeDefinition::IndexToChannelIdAndFrequency(unsigned int index) const
 {
     if (index >= m_channelCount)
         throw std::out_of_range("invalid channel index");
-    auto range = m_indexed.begin();
-    while (index - range->firstIndex >= range->channelCount)
-        ++range;
+    // The last that begins at or before the index; it has channels, since the one behind it begins
+    // later.
+    const auto range =
+        std::upper_bound(m_indexed.begin(), m_indexed.end(), index,
+                         [](unsigned i, const IndexedRange &one) { return i < one.firstIndex; }) -
+        1;
     return {range->firstChannelId + (index - range->firstIndex), range->FrequencyOfIndex(index)};
 }
 
