@@ -289,7 +289,8 @@ ChannelRangeDefinition::GetClosestChannelIdsForFrequencyRange(double from, doubl
 bool ChannelRangeDefinition::GetClosestChannelCenterFrequency(double &frequency) const
 {
     const auto ids = GetClosestChannelIdsForFrequency(frequency);
-    if (ids.empty())
+    // All 2^32 ids together are one more than there are indices: the last has no channel.
+    if (ids.empty() || FindIndexedRange(ids.front()) == nullptr)
         return false;
     frequency = ChannelIdToFrequency(ids.front());
     return true;
