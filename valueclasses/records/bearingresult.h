@@ -8,20 +8,20 @@ namespace values {
 /// One bearing of a direction finder. Its text keeps six digits of the frequency.
 struct BearingResult {
     double frequency = 0.0;  ///< Hz
-    int azimuth = 0;         ///< 1/10 degree, clockwise from north
-    int elevation = 0;       ///< 1/10 degree above the horizon
+    int azimuth = 0;         ///< 1/100 degree, clockwise from north
+    int elevation = 0;       ///< 1/100 degree above the horizon
     int quality = 0;         ///< percent
     int level = 0;           ///< 1/10 dBµV
     int bandwidth = 0;       ///< Hz
     int integrationTime = 0; ///< ms
-    int stationId = 0;       ///< the direction finder that took it
+    int count = 0;           ///< the measurements that it was taken from
 
     bool operator==(const BearingResult &) const = default;
     template <typename Record>
     static auto Fields(Record &record)
     {
         return std::tie(record.frequency, record.azimuth, record.elevation, record.quality,
-                        record.level, record.bandwidth, record.integrationTime, record.stationId);
+                        record.level, record.bandwidth, record.integrationTime, record.count);
     }
 };
 

@@ -1,0 +1,5 @@
+#include "platform/startup/dllinstance.h"
+
+#include <QCoreApplication>
+
+QString IDllInstance::GetApplicationName() { return QCoreApplication::applicationName(); }
