@@ -126,7 +126,7 @@ TEST_F(Log, RefusesWhatItCantReadWhole)
         {"LDF\n" + QByteArray(LogVTData::kMaximumFileSize, '#'),
          "File is larger than 1048576 bytes!"},
         {"LDF\n @VALUES\n@values\n", "End of file found while looking for VALUES directive"},
-        {kHead + "FLOAT\n", "End of file found while looking for ENDVALUES directive"},
+        {kHead, "End of file found while looking for ENDVALUES directive"},
         {values + "MODULE,m\n", "End of file found while looking for MODULE directive"},
         {values + "@MODULE\n", "Syntax error found while looking for MODULE directive"},
         {values + "@MODULE,a,b\n", "Syntax error found while looking for MODULE directive"},
@@ -150,7 +150,7 @@ TEST_F(Log, RefusesWhatItCantReadWhole)
         SCOPED_TRACE(c.content.left(120).constData());
         traces.clear();
         EXPECT_EQ(log.LoadFromFile(configure(c.content)), c.trace == nullptr);
-        EXPECT_EQ(traces, c.trace == nullptr ? QStringList() : QStringList(c.trace));
+        EXPECT_EQ(traces.join('|').toStdString(), c.trace == nullptr ? "" : c.trace);
         level->StepUp(1, nullptr);
     }
     for (const QString &name : {path("none"), folder.path(), QString("/dev/zero")}) {
