@@ -6,6 +6,8 @@
 #include <QTemporaryDir>
 #include <gmock/gmock.h>
 
+#include <csignal>
+#include <sys/resource.h>
 #include <thread>
 
 namespace {
@@ -90,6 +92,28 @@ TEST_F(LogWriter, KeepsALineThatTheDiskRefuses)
     } catch (const KRException &error) {
         EXPECT_TRUE(error.GetReason().contains("No such file")) << error.what();
     }
+}
+
+TEST_F(LogWriter, GoesOnBehindALineThatWasCut)
+{
+    LogFileSink sink(path);
+    const QString line(200, 'x');
+    rlimit before;
+    getrlimit(RLIMIT_FSIZE, &before);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit small = before;
+    small.rlim_cur = 300; // one line and a bit
+    setrlimit(RLIMIT_FSIZE, &small);
+    const bool first = sink.Write("m", line), cut = sink.Write("m", line);
+    const bool none = sink.Write("m", line);
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_TRUE(first && !cut && !none && sink.Write("m", line));
+    const QList<QByteArray> lines = content().split('\n');
+    ASSERT_EQ(lines.size(), 4);
+    EXPECT_TRUE(lines[0].endsWith("Z\tm\t" + line.toLatin1()));
+    EXPECT_TRUE(lines[2].endsWith("Z\tm\t" + line.toLatin1()));
+    EXPECT_EQ(sink.GetLostCount(), 2u);
 }
 
 } // namespace
