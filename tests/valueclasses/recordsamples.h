@@ -15,12 +15,7 @@ void vary(T &field, int i)
                 (vary(each, (n += 2)), ...);
             },
             T::Fields(field));
-    else if constexpr (requires {
-                           field.emplace_back();
-                           field.front() + 0;
-                           field[0];
-                       } &&
-                       !std::is_same_v<T, std::string>)
+    else if constexpr (std::is_same_v<T, std::vector<int>>)
         field.assign(2, i);
     else if constexpr (std::is_same_v<T, std::vector<FrequencyMaskPoint>>)
         field.assign(2, {true, i});
