@@ -170,7 +170,7 @@ TEST(Vectors, ClearWithoutANotificationAndReadTextWithoutACommand)
 {
     ValueVector<char> vector;
     vector.SetValue({'A'}, nullptr);
-    UndoList undo;
+    UndoOnce undo;
     vector.SetUndoManager(&undo);
     Recorder recorder(vector, ModeText);
     vector.SetStringValue("66\n67\n", nullptr);
@@ -310,7 +310,7 @@ TEST(Lists, WalkFromTheStartAndOverAgain)
 
 TEST(Lists, UndoOfAnInsertionTakesTheFirstEqualElement)
 {
-    UndoList undo;
+    UndoOnce undo;
     IntList list = listOf({7, 8});
     list.SetUndoManager(&undo);
     list.PushBack(7, nullptr);
