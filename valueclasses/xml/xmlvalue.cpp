@@ -1,0 +1,139 @@
+#include "valueclasses/xml/xmlvalue.h"
+
+#include "platform/base/krexception.h"
+#include "valueclasses/valuenumeric.h"
+#include "valueclasses/xml/xmltext.h"
+#include "valueclasses/xml/xmlvaluestate.h"
+
+namespace values {
+
+template <typename T, typename F>
+bool XmlValue<T, F>::ReadsType(ValueType type) const
+{
+    return type == VTYPE_ValueUInt ||
+           (type >= VTYPE_ValueBoolean && type <= VTYPE_ValueNumericFloat);
+}
+
+template <typename T, typename F>
+void XmlValue<T, F>::writeField(QStringView tag, const T &value, XmlFieldSink &sink)
+{
+    if constexpr (std::same_as<T, QString>) {
+        sink.Text(tag, value, XmlTextForms::ExactText(value));
+    } else if constexpr (std::same_as<T, bool>) {
+        sink.Text(tag, F::GetString(value), {});
+    } else {
+        const std::string text = StreamFormat<T, F>::ToStream(value, ModeText);
+        QString exact;
+        if constexpr (std::same_as<T, double>)
+            exact = XmlTextForms::ExactNumber(value, text);
+        sink.Text(tag, QString::fromLatin1(text.data(), int(text.size())), exact);
+    }
+}
+
+template <typename T, typename F>
+T XmlValue<T, F>::fieldOf(const XmlText &field)
+{
+    if constexpr (std::same_as<T, QString>) {
+        return XmlTextForms::TextOf(field);
+    } else if constexpr (std::same_as<T, double>) {
+        return XmlTextForms::NumberOf(field);
+    } else if constexpr (std::same_as<T, bool>) {
+        if (field.text != QLatin1String("true") && field.text != QLatin1String("false") &&
+            !field.text.isEmpty())
+            throw KRException(
+                QStringLiteral("\"%1\" is neither true nor false.").arg(field.text.left(80)),
+                __FILE__, "XmlValue", "FromXml", __LINE__);
+        return field.text == QLatin1String("true");
+    } else {
+        return XmlTextForms::WholeNumberOf<T>(field);
+    }
+}
+
+template <typename T, typename F>
+void XmlValue<T, F>::Write(ValueBase &value, XmlFieldSink &sink) const
+{
+    XmlValueBase::Write(value, sink);
+    writeField(u"Value", dynamic_cast<Value<T, F> &>(value).GetValue(), sink);
+}
+
+template <typename T, typename F>
+void XmlValue<T, F>::Check(ValueBase &value, const XmlFields &fields) const
+{
+    XmlValueBase::Check(value, fields);
+    try {
+        fieldOf(fields.Find(u"Value"));
+    } catch (const KRException &error) {
+        XmlValueBase::fail(value, error.GetReason());
+    }
+}
+
+template <typename T, typename F>
+void XmlValue<T, F>::Read(ValueBase &value, const XmlFields &fields) const
+{
+    XmlValueBase::Read(value, fields);
+    const XmlText field = fields.Find(u"Value");
+    if (field.exact.isEmpty())
+        value.SetStringValue(field.text, nullptr);
+    else
+        dynamic_cast<Value<T, F> &>(value).SetValue(fieldOf(field), nullptr);
+}
+
+template <typename T, typename F>
+void XmlValueNumeric<T, F>::Write(ValueBase &value, XmlFieldSink &sink) const
+{
+    XmlValue<T, F>::Write(value, sink);
+    const auto &number = dynamic_cast<const ValueNumeric<T, F> &>(value);
+    this->writeField(u"Max", number.GetMax(), sink);
+    this->writeField(u"Min", number.GetMin(), sink);
+    this->writeField(u"Step", number.GetStep(), sink);
+    const T held = number.GetValue();
+    if (!(held >= number.GetMin() && held <= number.GetMax()))
+        XmlValueState::WriteState(value, sink);
+}
+
+template <typename T, typename F>
+void XmlValueNumeric<T, F>::Check(ValueBase &value, const XmlFields &fields) const
+{
+    XmlValue<T, F>::Check(value, fields);
+    for (const QStringView tag : {QStringView(u"Max"), QStringView(u"Min"), QStringView(u"Step")}) {
+        try {
+            this->fieldOf(fields.Find(tag));
+        } catch (const KRException &error) {
+            XmlValueBase::fail(value,
+                               QStringLiteral("%1: %2").arg(tag.toString(), error.GetReason()));
+        }
+    }
+    const XmlText state = fields.Find(u"State");
+    if (state.present && fields.Find(u"Type").text == value.GetTypeName())
+        XmlValueState::CheckState(value, state);
+}
+
+template <typename T, typename F>
+void XmlValueNumeric<T, F>::Read(ValueBase &value, const XmlFields &fields) const
+{
+    using Number = ValueNumeric<T, F>;
+    auto &number = dynamic_cast<Number &>(value);
+    const auto apply = [&](QStringView tag, void (Number::*set)(T, IObserver *)) {
+        const XmlText field = fields.IsTargetGone() ? XmlText() : fields.Find(tag);
+        if (field.present)
+            (number.*set)(this->fieldOf(field), nullptr);
+    };
+    apply(u"Max", &Number::SetMax);
+    apply(u"Min", &Number::SetMin);
+    apply(u"Step", &Number::SetStep);
+    if (fields.IsTargetGone())
+        return;
+    XmlValue<T, F>::Read(value, fields);
+    const XmlText state = fields.Find(u"State");
+    if (state.present && !fields.IsTargetGone() && fields.Find(u"Type").text == value.GetTypeName())
+        XmlValueState::ReadState(value, state, fields);
+}
+
+#define SPECTREE_INSTANTIATE(T) template class XmlValue<T>;
+SPECTREE_FOR_EACH_XML_SCALAR(SPECTREE_INSTANTIATE)
+#undef SPECTREE_INSTANTIATE
+#define SPECTREE_INSTANTIATE(T) template class XmlValueNumeric<T>;
+SPECTREE_FOR_EACH_XML_NUMERIC(SPECTREE_INSTANTIATE)
+#undef SPECTREE_INSTANTIATE
+
+} // namespace values

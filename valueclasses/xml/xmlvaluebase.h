@@ -1,0 +1,41 @@
+#pragma once
+
+#include "valueclasses/valuebase.h"
+#include "valueclasses/xml/xmlfields.h"
+
+#include <QDomDocument>
+#include <QDomElement>
+
+namespace values {
+
+/// Converts values of one kind to the elements of a tree document, and back.
+///
+/// Handlers have no state; one serves every value of its kind. Application thread.
+/// Errors: KRException from Check and FromXml, with the value as it was.
+class SPECTREE_EXPORT XmlValueBase {
+public:
+    virtual ~XmlValueBase() = default;
+    /// Checks, then reads.
+    virtual void FromXml(ValueBase *value, QDomElement &element) const;
+    virtual void ToXml(ValueBase *value, QDomElement &element, QDomDocument &document) const;
+    /// Appends an element with one text to \a parent.
+    virtual void CreateXmlElement(QDomElement &parent, const QString &tag, const QString &text,
+                                  QDomDocument &document) const;
+    /// The text of the first element of that name, if its first child is a text.
+    virtual QString GetXmlValueByName(const QDomElement &element, const QString &tag) const;
+
+    /// The type name, and the key of the descriptor if there is one.
+    virtual void Write(ValueBase &value, XmlFieldSink &sink) const;
+    /// \throws KRException when the fields can't be read into \a value, which isn't touched.
+    virtual void Check(ValueBase &value, const XmlFields &fields) const;
+    /// Takes the fields over, which Check has let pass; each change notifies. The descriptor goes
+    /// where the fields name none that is known.
+    virtual void Read(ValueBase &value, const XmlFields &fields) const;
+
+protected:
+    /// Whether the fields of another kind will do.
+    virtual bool ReadsType(ValueType) const { return false; }
+    [[noreturn]] static void fail(const ValueBase &value, const QString &reason);
+};
+
+} // namespace values

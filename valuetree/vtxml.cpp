@@ -1,0 +1,191 @@
+// The document of single nodes, on QDom; version and handler.
+#include "valuetree/vtxml.h"
+
+#include "platform/base/errorhandler.h"
+#include "platform/base/krexception.h"
+#include "platform/base/xmlformat.h"
+#include "valueclasses/xml/xmltext.h"
+#include "valueclasses/xmlvaluefactory.h"
+#include "valuetree/valueitem.h"
+#include "valuetree/vtfileversion.h"
+#include "valuetree/vtxml_p.h"
+
+namespace values {
+
+QString VtXml::s_version = QStringLiteral("1.0");
+
+namespace {
+
+VtFileVersion *s_handler = nullptr;
+bool s_accepted = false;
+
+void addItem(QDomElement &parent, QDomDocument &document, TreeItem &item);
+
+void addChildren(QDomElement &element, QDomDocument &document, Node &node)
+{
+    if (const QString key = VtXmlParts::descriptorKey(node); !key.isEmpty()) {
+        static const XmlValueBase plain;
+        plain.CreateXmlElement(element, QStringLiteral("ValueDescriptor"), key, document);
+        if (const QString exact = XmlTextForms::ExactText(key); !exact.isEmpty())
+            element.lastChildElement().setAttribute(QStringLiteral("exact"), exact);
+    }
+    for (TreeItem *const child : node.GetChildren())
+        if (VtXmlParts::canKeep(*child))
+            addItem(element, document, *child);
+}
+
+void addItem(QDomElement &parent, QDomDocument &document, TreeItem &item)
+{
+    QDomElement element = document.createElement(XmlTextForms::EncodeName(item.GetName()));
+    parent.appendChild(element);
+    const QString type = QStringLiteral("type");
+    if (Node *const node = item.AsNode()) {
+        element.setAttribute(type, QStringLiteral("node"));
+        addChildren(element, document, *node);
+    } else {
+        element.setAttribute(type, QStringLiteral("value"));
+        ValueBase *const value = item.AsValueItem()->GetValue();
+        XmlValueFactory::Instance().HandlerFor(*value).ToXml(value, element, document);
+    }
+}
+
+/// The first element of that name which isn't an item.
+QDomElement descriptorOf(const QDomElement &element)
+{
+    QDomElement found = element.firstChildElement(QStringLiteral("ValueDescriptor"));
+    while (found.hasAttribute(QStringLiteral("type")))
+        found = found.nextSiblingElement(QStringLiteral("ValueDescriptor"));
+    return found;
+}
+
+void fill(Node &node, const QDomElement &element);
+
+void fillItem(Node &node, QDomElement &element)
+{
+    const QString name = XmlTextForms::DecodeName(element.tagName());
+    const QString type = element.attribute(QStringLiteral("type"));
+    if (type != QLatin1String("node") && type != QLatin1String("value"))
+        return;
+    const bool clash = !VtXmlParts::isItemName(name) || node.GetChild(name) != nullptr;
+    if (clash)
+        VtXmlParts::fail(
+            QStringLiteral("The item \"%1\" can't stand below \"%2\".").arg(name, node.GetName()));
+    if (type == QLatin1String("node")) {
+        auto *const child = new Node(name);
+        if (!node.AddNode(QString(), child))
+            delete child;
+        else
+            fill(*child, element);
+        return;
+    }
+    std::unique_ptr<ValueBase> value =
+        VtXmlParts::makeValue(element.firstChildElement(QStringLiteral("Type")).text(), name);
+    if (value == nullptr)
+        return;
+    XmlValueFactory::Instance().HandlerFor(*value).FromXml(value.get(), element);
+    if (node.AddValue(QString(), value.get()))
+        static_cast<void>(value.release());
+}
+
+void fill(Node &node, const QDomElement &element)
+{
+    const QDomElement descriptor = descriptorOf(element);
+    VtXmlParts::setDescriptor(
+        node, XmlTextForms::TextOf({descriptor.firstChild().toText().data(),
+                                    descriptor.attribute(QStringLiteral("exact")), true}));
+    for (QDomElement child = element.firstChildElement(); !child.isNull();
+         child = child.nextSiblingElement())
+        fillItem(node, child);
+}
+
+} // namespace
+
+VtXml::VtXml()
+    : m_document(QStringLiteral("Vt")), m_root(m_document.createElement(QStringLiteral("Vt")))
+{
+    m_root.setAttribute(QStringLiteral("Version"), s_version);
+    m_document.appendChild(m_root);
+}
+
+VtXml::VtXml(const QString &xml) : VtXml() { fromString(xml); }
+
+void VtXml::fromString(const QString &xml)
+{
+    // QDom follows entities and any depth, and walks a document by recursion.
+    const XmlDocument checked(xml);
+    if (!VtXmlParts::accept(checked))
+        return;
+    QString error;
+    int line = 0, column = 0;
+    if (!m_document.setContent(xml, false, &error, &line, &column))
+        VtXmlParts::fail(QStringLiteral("Parse error: %1 at line %2 in column %3.")
+                             .arg(error)
+                             .arg(line)
+                             .arg(column));
+    m_root = m_document.documentElement();
+}
+
+void VtXml::AddNode(Node *node)
+{
+    if (node != nullptr && VtXmlParts::isItemName(node->GetName()))
+        addItem(m_root, m_document, *node);
+    else
+        VtXmlParts::fail(QStringLiteral("Only a node with a name can be added."));
+}
+
+QString VtXml::GetString() const
+{
+    const QString text = m_document.toString(1);
+    QDomDocument check(QStringLiteral("dummy"));
+    QString error;
+    int line = 0, column = 0;
+    if (!check.setContent(text, false, &error, &line, &column))
+        throw KRException(QStringLiteral("Parse error: %1 at line %2 in column %3 in string: %4")
+                              .arg(error)
+                              .arg(line)
+                              .arg(column)
+                              .arg(text),
+                          __FILE__, "VtXml", "GetString", __LINE__);
+    return XmlFormat::Format(text);
+}
+
+Node *VtXml::CreateNodeAt(int index) const
+{
+    QDomElement element = m_root.firstChildElement();
+    for (int i = 0; i < index && !element.isNull(); ++i)
+        element = element.nextSiblingElement();
+    const QString name = XmlTextForms::DecodeName(element.tagName());
+    if (index < 0 || element.attribute(QStringLiteral("type")) != QLatin1String("node") ||
+        !VtXmlParts::isItemName(name))
+        return nullptr;
+    auto node = std::make_unique<Node>(name);
+    fill(*node, element);
+    return node.release();
+}
+
+bool VtXml::CheckVersion(const QString &fileVersion)
+{
+    s_accepted = fileVersion == s_version ||
+                 (s_handler != nullptr && s_handler->VersionConflict(fileVersion));
+    return s_accepted;
+}
+
+void VtXml::FixVersionConflict(Node *node, const ValueDescriptor *descriptor)
+{
+    if (s_accepted && s_handler != nullptr)
+        s_handler->CheckDescriptorList(node, descriptor);
+}
+
+void VtXml::SetVersion(const QString &version) { s_version = version; }
+
+const QString &VtXml::GetVersion() { return s_version; }
+
+void VtXml::SetVtFileVersion(VtFileVersion *handler) { s_handler = handler; }
+
+void VtXml::HandlerGone(const VtFileVersion *handler)
+{
+    if (s_handler == handler)
+        s_handler = nullptr;
+}
+
+} // namespace values

@@ -1,0 +1,283 @@
+// Text to a subtree, in two steps: everything is checked and every new value made, then the tree is
+// changed.
+#include "platform/base/errorhandler.h"
+#include "platform/base/krexception.h"
+#include "valueclasses/xml/xmltext.h"
+#include "valueclasses/xmlvaluefactory.h"
+#include "valuetree/path.h"
+#include "valuetree/treewatch_p.h"
+#include "valuetree/valueitem.h"
+#include "valuetree/vtxml.h"
+#include "valuetree/vtxml_p.h"
+
+#include <QHash>
+
+namespace values {
+
+namespace {
+
+using Role = XmlDocument::Role;
+
+/// The elements below one element of the document.
+class ElementFields final : public XmlFields {
+public:
+    ElementFields(const XmlDocument &document, std::size_t element,
+                  const ItemWatch *watch = nullptr, const ValueItem *item = nullptr)
+        : m_document(document), m_element(element), m_watch(watch), m_item(item)
+    {
+    }
+    XmlText Find(QStringView tag) const override
+    {
+        const auto &elements = m_document.elements();
+        const auto end = std::size_t(elements[m_element].end);
+        for (std::size_t i = m_element + 1; i < end; i = std::size_t(elements[i].end))
+            if (m_document.view(elements[i].name) == tag)
+                return {m_document.text(elements[i].text),
+                        elements[i].exact.length == 0 ? QString()
+                                                      : m_document.text(elements[i].exact),
+                        true};
+        return {};
+    }
+    void ForEach(QStringView tag,
+                 const std::function<void(const XmlFields &)> &visit) const override
+    {
+        const auto &elements = m_document.elements();
+        const auto end = std::size_t(elements[m_element].end);
+        for (std::size_t i = m_element + 1; i < end; i = std::size_t(elements[i].end))
+            if (m_document.view(elements[i].name) == tag)
+                visit(ElementFields(m_document, i));
+    }
+    bool IsTargetGone() const override
+    {
+        return m_watch != nullptr && (m_watch->isGone() || m_item->GetValue() == nullptr);
+    }
+
+private:
+    const XmlDocument &m_document;
+    std::size_t m_element;
+    const ItemWatch *m_watch;
+    const ValueItem *m_item;
+};
+
+class TreeReader {
+public:
+    explicit TreeReader(XmlDocument &document)
+        : m_document(document), m_elements(document.elements())
+    {
+    }
+
+    /// \a node is null for one that is still to be made.
+    void check(const Node *node, std::size_t parent, int depth);
+    void apply(Node &node, std::size_t parent);
+
+private:
+    struct Seen {
+        Role role;
+        ValueBase *value; // null for a node, and for a value that is left out
+    };
+
+    void checkItem(const Node *node, std::size_t at, int depth, QHash<QString, Seen> &seen);
+    Seen checkValue(ValueBase *existing, std::size_t at, const QString &name);
+    void applyDescriptor(Node &node, std::size_t element);
+    void applyNode(Node &parent, std::size_t at, const QString &name);
+    void applyValue(Node &parent, std::size_t at, const QString &name);
+    std::size_t descriptorOf(std::size_t element) const;
+    QString nameOf(std::size_t at) const
+    {
+        return XmlTextForms::DecodeName(m_document.view(m_elements[at].name));
+    }
+    TreeItem *existing(const Node &parent, std::size_t at, const QString &name) const
+    {
+        // Where the parent is new, only an element before this one can have made an item.
+        return m_fresh && !m_elements[at].isRepeat ? nullptr : parent.GetChild(name);
+    }
+    static void traceSkipped(const QString &name);
+
+    XmlDocument &m_document;
+    std::vector<XmlDocument::Element> &m_elements;
+    std::vector<std::unique_ptr<ValueBase>> m_made;
+    bool m_fresh = false; // inside a subtree that nobody else knows yet
+};
+
+void TreeReader::check(const Node *node, std::size_t parent, int depth)
+{
+    const std::size_t descriptor = descriptorOf(parent);
+    if (descriptor != 0)
+        XmlTextForms::TextOf({QString(), m_document.text(m_elements[descriptor].exact), true});
+    QHash<QString, Seen> seen;
+    const auto end = std::size_t(m_elements[parent].end);
+    for (std::size_t at = parent + 1; at < end; at = std::size_t(m_elements[at].end))
+        if (m_elements[at].role != Role::Other)
+            checkItem(node, at, depth, seen);
+}
+
+void TreeReader::checkItem(const Node *node, std::size_t at, int depth, QHash<QString, Seen> &seen)
+{
+    const QString name = nameOf(at);
+    if (!VtXmlParts::isItemName(name))
+        VtXmlParts::fail(QStringLiteral("No item can have the name \"%1\".").arg(name.left(80)));
+    if (depth >= TreePathHelpers::kMaximumDepth)
+        VtXmlParts::fail(QStringLiteral("The item \"%1\" is deeper than a tree may be.").arg(name));
+    const Role role = m_elements[at].role;
+    TreeItem *const there = node != nullptr ? node->GetChild(name) : nullptr;
+    const auto earlier = seen.constFind(name);
+    m_elements[at].isRepeat = earlier != seen.constEnd();
+    const bool isClash =
+        m_elements[at].isRepeat
+            ? earlier->role != role
+            : there != nullptr && (there->AsNode() != nullptr) != (role == Role::Node);
+    if (isClash)
+        VtXmlParts::fail(
+            QStringLiteral("The item \"%1\" is a node in one place and a value in another.")
+                .arg(name));
+    if (role == Role::Node) {
+        check(there != nullptr ? there->AsNode() : nullptr, at, depth + 1);
+        seen.insert(name, {role, nullptr});
+    } else {
+        ValueBase *const value = m_elements[at].isRepeat ? earlier->value
+                                 : there != nullptr      ? there->AsValueItem()->GetValue()
+                                                         : nullptr;
+        seen.insert(name, checkValue(value, at, name));
+    }
+}
+
+TreeReader::Seen TreeReader::checkValue(ValueBase *value, std::size_t at, const QString &name)
+{
+    const ElementFields fields(m_document, at);
+    if (value != nullptr) {
+        XmlValueFactory::Instance().HandlerFor(*value).Check(*value, fields);
+        return {Role::Value, value};
+    }
+    std::unique_ptr<ValueBase> made = VtXmlParts::makeValue(fields.Find(u"Type").text, name);
+    if (made == nullptr)
+        return {Role::Value, nullptr};
+    const XmlValueBase &handler = XmlValueFactory::Instance().HandlerFor(*made);
+    handler.Check(*made, fields);
+    handler.Read(*made, fields);
+    m_elements[at].madeValue = int(m_made.size());
+    m_made.push_back(std::move(made));
+    return {Role::Value, m_made.back().get()};
+}
+
+std::size_t TreeReader::descriptorOf(std::size_t element) const
+{
+    const auto end = std::size_t(m_elements[element].end);
+    for (std::size_t i = element + 1; i < end; i = std::size_t(m_elements[i].end)) {
+        if (m_elements[i].role != Role::Other)
+            return 0; // it stands before the items
+        if (m_document.view(m_elements[i].name) == QLatin1String("ValueDescriptor"))
+            return i;
+    }
+    return 0;
+}
+
+void TreeReader::apply(Node &node, std::size_t parent)
+{
+    const ItemWatch watch(&node);
+    const auto end = std::size_t(m_elements[parent].end);
+    for (std::size_t at = parent + 1; at < end && !watch.isGone();
+         at = std::size_t(m_elements[at].end)) {
+        if (m_elements[at].role == Role::Node)
+            applyNode(node, at, nameOf(at));
+        else if (m_elements[at].role == Role::Value)
+            applyValue(node, at, nameOf(at));
+    }
+}
+
+void TreeReader::applyDescriptor(Node &node, std::size_t element)
+{
+    const std::size_t at = descriptorOf(element);
+    XmlText key;
+    if (at != 0)
+        key = {m_document.text(m_elements[at].text), m_document.text(m_elements[at].exact), true};
+    VtXmlParts::setDescriptor(node, XmlTextForms::TextOf(key));
+}
+
+void TreeReader::applyNode(Node &parent, std::size_t at, const QString &name)
+{
+    TreeItem *const there = existing(parent, at, name);
+    if (there != nullptr && there->AsNode() == nullptr)
+        return traceSkipped(name);
+    if (there != nullptr) {
+        const ItemWatch watch(there);
+        applyDescriptor(*there->AsNode(), at);
+        if (!watch.isGone())
+            apply(*there->AsNode(), at);
+        return;
+    }
+    auto made = std::make_unique<Node>(name);
+    made->SetAutoDeleteAtAddValue(parent.IsAutoDeleteAtAddValue());
+    Node &node = *made;
+    const bool wasFresh = m_fresh;
+    if (wasFresh && parent.AddNode(QString(), &node))
+        static_cast<void>(made.release());
+    m_fresh = true;
+    const ItemWatch parentWatch(&parent), watch(&node);
+    applyDescriptor(node, at);
+    if (!watch.isGone())
+        apply(node, at);
+    m_fresh = wasFresh;
+    if (watch.isGone())
+        static_cast<void>(made.release()); // a repair has deleted it
+    else if (!wasFresh && !parentWatch.isGone() && parent.AddNode(QString(), &node))
+        static_cast<void>(made.release());
+    else if (made != nullptr)
+        traceSkipped(name);
+}
+
+void TreeReader::applyValue(Node &parent, std::size_t at, const QString &name)
+{
+    TreeItem *const there = existing(parent, at, name);
+    if (there == nullptr) {
+        const int index = m_elements[at].madeValue;
+        if (index < 0)
+            return; // of an unknown kind, or deleted meanwhile
+        std::unique_ptr<ValueBase> &made = m_made[std::size_t(index)];
+        if (parent.AddValue(QString(), made.get()))
+            static_cast<void>(made.release());
+        else
+            traceSkipped(name);
+        return;
+    }
+    const ItemWatch watch(there);
+    ValueItem *const item = there->AsValueItem();
+    ValueBase *const value = item != nullptr ? item->GetValue() : nullptr;
+    const ElementFields fields(m_document, at, &watch, item);
+    if (value == nullptr)
+        return traceSkipped(name);
+    const XmlValueBase &handler = XmlValueFactory::Instance().HandlerFor(*value);
+    handler.Read(*value, fields);
+}
+
+void TreeReader::traceSkipped(const QString &name)
+{
+    _Q_Trace(
+        QStringLiteral("The item \"%1\" is not read: an observer has changed its place.").arg(name),
+        __FILE__, __LINE__);
+}
+
+int depthOf(const Node &node)
+{
+    int depth = 0;
+    for (const Node *above = node.GetParent(); above != nullptr; above = above->GetParent())
+        ++depth;
+    return depth;
+}
+
+} // namespace
+
+bool VtXml::FromXml(Node *node, const QString &xml)
+{
+    if (node == nullptr)
+        VtXmlParts::fail(QStringLiteral("There is no node to read into."));
+    const ItemWatch watch(node);
+    XmlDocument document(xml);
+    if (!VtXmlParts::accept(document) || watch.isGone())
+        return false;
+    TreeReader reader(document);
+    reader.check(node, 0, depthOf(*node));
+    reader.apply(*node, 0);
+    return true;
+}
+
+} // namespace values
