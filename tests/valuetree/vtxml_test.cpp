@@ -1,0 +1,407 @@
+// Subtrees as XML texts: the document, what a round trip keeps, what is refused.
+#include "platform/base/errorhandler.h"
+#include "platform/base/krexception.h"
+#include "platform/base/userquestion.h"
+#include "platform/base/xmlformat.h"
+#include "valueclasses/ivaluedescriptormap.h"
+#include "valueclasses/valuebuffer.h"
+#include "valueclasses/valuefactory.h"
+#include "valueclasses/valuelist.h"
+#include "valueclasses/valuenumericwithoffset.h"
+#include "valueclasses/valueselection.h"
+#include "valueclasses/valuestream.h"
+#include "valueclasses/valuevector.h"
+#include "valueclasses/xml/xmltext.h"
+#include "valuetree/treelog.h"
+#include "valuetree/vtfileversion.h"
+#include "valuetree/vtxml.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+using namespace values;
+using Number = ValueNumeric<double>;
+
+QString document(const QString &items, const QString &version = QStringLiteral("1.0"))
+{
+    return QStringLiteral("<!DOCTYPE Vt><Vt Version=\"%2\">%1</Vt>").arg(items, version);
+}
+
+QString reasonOf(Node &node, const QString &xml)
+{
+    try {
+        VtXml::FromXml(&node, xml);
+    } catch (const KRException &error) {
+        return error.GetReason();
+    }
+    return {};
+}
+
+/// Ends the disabled state in which restored values wait for their owner.
+void enable(Node &node)
+{
+    for (TreeItem *const item : node.GetTreeItems())
+        if (Node *const child = item->AsNode())
+            enable(*child);
+        else
+            item->AsValueItem()->SetState(VS_NORMAL, nullptr);
+}
+
+const QString kGolden = QStringLiteral(R"(<!DOCTYPE Vt>
+<Vt Version="1.0">
+ <RECEIVER type="node">
+  <FREQUENCY type="value">
+   <Type>ValueNumericFloat</Type>
+   <Value>50.000000</Value>
+   <Max>100.000000</Max>
+   <Min>0.000000</Min>
+   <Step exact="1e-07">0.000000</Step>
+  </FREQUENCY>
+  <INNER_x0020_1 type="node">
+   <TEXT type="value">
+    <Type>ValueString</Type>
+    <Value>a &lt; b &amp; "c" ä</Value>
+   </TEXT>
+   <_x0034_WIRE type="value">
+    <Type>ValueBoolean</Type>
+    <Value>true</Value>
+   </_x0034_WIRE>
+  </INNER_x0020_1>
+  <MODE type="value">
+   <Type>ValueSelection</Type>
+   <CurrentSelection>FM</CurrentSelection>
+   <SelectionItem>
+    <Name>AM</Name>
+    <Value>1.5</Value>
+    <Key>7</Key>
+   </SelectionItem>
+   <SelectionItem>
+    <Name>FM</Name>
+    <Value>0</Value>
+    <Key>-8</Key>
+   </SelectionItem>
+  </MODE>
+ </RECEIVER>
+</Vt>
+)");
+
+void fill(Node &root)
+{
+    root.AddValue("RECEIVER/FREQUENCY", new Number("FREQUENCY", 50, 0, 100, 1e-7));
+    root.AddValue("RECEIVER/INNER 1/TEXT",
+                  new Value<QString>("TEXT", QString::fromUtf8("a < b & \"c\" \xC3\xA4")));
+    root.AddValue("RECEIVER/INNER 1/4WIRE", new Value<bool>("4WIRE", true));
+    auto *const mode = new ValueSelection("MODE");
+    mode->AddItem("AM", 1.5, Kelm::Long(7), nullptr);
+    mode->AddItem("FM", 0, Kelm::Long(-8), nullptr);
+    mode->Select(QStringLiteral("FM"), nullptr);
+    root.AddValue("RECEIVER/MODE", mode);
+}
+
+TEST(VtXml, WritesTheDocumentByEitherRoad)
+{
+    Node root, copy;
+    fill(root);
+    QString golden = kGolden;
+    golden.replace("\"c\"", "&quot;c&quot;");
+    EXPECT_EQ(VtXml::ToXml(&root).toStdString(), golden.toStdString());
+    VtXml single;
+    single.AddNode(root.GetNode("RECEIVER"));
+    EXPECT_EQ(single.GetString().toStdString(), golden.toStdString());
+
+    EXPECT_TRUE(VtXml::FromXml(&copy, kGolden));
+    EXPECT_EQ(copy.GetValue("RECEIVER/MODE")->GetState(), VS_DISABLED);
+    enable(copy);
+    EXPECT_TRUE(copy.Compare(&root));
+    const std::unique_ptr<Node> made(VtXml(kGolden).CreateNodeAt(0));
+    ASSERT_NE(made, nullptr);
+    enable(*made);
+    EXPECT_TRUE(made->Compare(root.GetNode("RECEIVER")));
+    EXPECT_EQ(VtXml(kGolden).CreateNodeAt(1), nullptr);
+    EXPECT_EQ(VtXml(kGolden).CreateNodeAt(-1), nullptr);
+    EXPECT_EQ(VtXml(document("<v type=\"value\"><Type>ValueInt</Type></v>")).CreateNodeAt(0),
+              nullptr);
+}
+
+TEST(VtXml, KeepsEveryKind)
+{
+    ErrorHandler::Instance().SetTraceMask(0);
+    Node root, copy;
+    for (int type = 0; type < 135; ++type)
+        if (ValueFactory::Instance().IsRegistered(ValueType(type))) {
+            ValueBase *const value = ValueFactory::Instance().CreateValue(ValueType(type));
+            root.AddValue(QStringLiteral("K%1").arg(type), value);
+        }
+    auto *const stream = new ValueStream<double>("STREAM"); // shares its number with another kind
+    const double numbers[] = {0.1, -1e300};
+    stream->SetValue(numbers, 2, nullptr);
+    auto *const list = new ValueList<QString>("LIST");
+    list->PushBack(QString::fromUtf8("a;\xC3\xA4"), nullptr);
+    auto *const buffer = new ValueBuffer("BUFFER");
+    buffer->SetValue("\0;\xFF", 3, nullptr);
+    auto *const offset = new ValueNumericWithOffset<double>("OFFSET");
+    offset->SetMinMax(-10, 10, 0.5, nullptr);
+    offset->SetOffset(1.0 / 3, nullptr);
+    offset->SetValue(2.0 / 7, nullptr);
+    auto *const outside = new ValueNumeric<int>("OUTSIDE", 50, 0, 100);
+    outside->SetMax(20, nullptr);
+    auto *const twins = new ValueSelection("TWINS");
+    twins->AddItem("same", 1, Kelm::Long(1), nullptr);
+    twins->AddItem("same", NAN, Kelm::Long(2), nullptr);
+    twins->SelectIndex(Kelm::Long(1), nullptr);
+    for (ValueBase *const value :
+         std::initializer_list<ValueBase *>{stream, list, buffer, offset, outside, twins})
+        EXPECT_TRUE(root.AddValue(QString(), value));
+
+    const QString xml = VtXml::ToXml(&root);
+    for (int round = 0; round < 2; ++round) { // into nothing, then into what is there
+        VtXml::FromXml(&copy, xml);
+        ASSERT_EQ(copy.GetChildrenCount(), root.GetChildrenCount());
+        for (TreeItem *const item : root.GetTreeItems()) {
+            const ValueBase *const value = item->AsValueItem()->GetValue();
+            ValueBase *const other = copy.GetValue(item->GetName());
+            ASSERT_NE(other, nullptr) << qPrintable(value->GetTypeName());
+            EXPECT_EQ(other->GetState(), VS_DISABLED);
+            other->SetState(VS_NORMAL, nullptr);
+            EXPECT_TRUE(other->GetTypeName() == value->GetTypeName() && other->Compare(value))
+                << qPrintable(value->GetTypeName());
+        }
+        EXPECT_EQ(static_cast<const ValueNumericWithOffset<double> *>(copy.GetValue("OFFSET"))
+                      ->GetOffset(),
+                  1.0 / 3);
+        for (TreeItem *const item : copy.GetTreeItems())
+            item->AsValueItem()->SetState(VS_DISABLED, nullptr); // reading sets no state
+    }
+    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
+}
+
+TEST(VtXml, LosesNoTextAndNoNumber)
+{
+    const QString texts[] = {{},
+                             " ",
+                             "\t\n",
+                             " a ",
+                             "a\r\nb",
+                             "]]>",
+                             QString(QChar(0)),
+                             QString(QChar(0xD800)),
+                             "\u00E4\n",
+                             "&",
+                             "_x0041_",
+                             QString(QChar(0xFFFE)),
+                             QString::fromUtf8("\xF0\x9F\x98\x80")};
+    const double numbers[] = {
+        0.1 + 0.2, -0.0, 1e-9, 1e300, 123456789.123456, std::numeric_limits<double>::infinity(),
+        5e-324};
+    Node root, copy;
+    for (const QString &text : texts)
+        root.AddValue(root.GetUniqueChildName("t"), new Value<QString>("t", text));
+    for (const double number : numbers)
+        root.AddValue(root.GetUniqueChildName("n"), new Value<double>("n", number));
+    const QString xml = VtXml::ToXml(&root);
+    ASSERT_TRUE(VtXml::FromXml(&copy, xml)) << qPrintable(xml);
+    enable(copy);
+    EXPECT_TRUE(copy.Compare(&root)) << qPrintable(VtXml::ToXml(&copy));
+    EXPECT_TRUE(std::signbit(static_cast<Value<double> *>(copy.GetValue("n00001"))->GetValue()));
+
+    Node top("T"), *const under = new Node("U");
+    top.AddNode(QString(), under);
+    under->Merge(&root);
+    VtXml single;
+    single.AddNode(&top);
+    const std::unique_ptr<Node> made(VtXml(single.GetString()).CreateNodeAt(0));
+    enable(*made);
+    EXPECT_TRUE(made->GetNode("U")->Compare(under));
+    EXPECT_EQ(XmlFormat::Format(single.GetString()), single.GetString());
+}
+
+TEST(VtXml, EscapesOnlyNamesThatNeedIt)
+{
+    const std::pair<const char *, const char *> names[] = {
+        {"PLAIN-1.2_x", "PLAIN-1.2_x"},
+        {"_a", "_a"},
+        {"a b", "a_x0020_b"},
+        {"1a1", "_x0031_a1"},
+        {"-a", "_x002D_a"},
+        {"a:b", "a_x003A_b"},
+        {"_x0041_", "_x005F_x0041_"},
+        {"_x004_", "_x004_"},
+        {"a_x00e4_", "a_x00e4_"},
+        {"_x005F_x0041_", "_x005F_x005F_x005F_x0041_"},
+    };
+    Node root, copy;
+    for (const auto &[name, element] : names) {
+        EXPECT_EQ(XmlTextForms::EncodeName(name), element);
+        EXPECT_EQ(XmlTextForms::DecodeName(QString(element)), name);
+        root.AddValue(name, new Int(name, 1));
+        root.AddNode(QStringLiteral("node/%1").arg(name));
+    }
+    root.AddValue("ValueDescriptor", new Int("ValueDescriptor", 1));
+    VtXml::FromXml(&copy, VtXml::ToXml(&root));
+    enable(copy);
+    EXPECT_TRUE(copy.Compare(&root));
+}
+
+TEST(VtXml, RefusesAWholeDocumentForOnePart)
+{
+    const QString deep = QString("<n type=\"node\">").repeated(257) + QString("</n>").repeated(257);
+    const QString far = QString("<n>").repeated(100000);
+    const auto value = [](const char *name, const char *type, const char *fields) {
+        return QStringLiteral("<%1 type=\"value\"><Type>%2</Type>%3</%1>").arg(name, type, fields);
+    };
+    const QString expected = "\". \"Vt\" is expected.";
+    const std::pair<QString, QString> cases[] = {
+        {"", "Parse error: "},
+        {"<Vt/>", "No document type found. \"Vt\" is expected."},
+        {"<!DOCTYPE a><Vt/>", "Wrong document type found: \"a" + expected},
+        {"<!DOCTYPE Vt><a/>", "Wrong root element: \"a\" found. \"Vt\" is expected."},
+        {"<!DOCTYPE Vt [<!ENTITY a \"b\">]><Vt Version=\"1.0\"/>",
+         "Parse error: The document type"},
+        {document("<a>"), "Parse error: "},
+        {document("&a;"), "Parse error: "},
+        {document(deep), "deeper than a tree may be"},
+        {document(far), "deeper than a tree may be at line 1"},
+        {document(value("OLD", "ValueInt", "<Value>1x</Value>")), "\"1x\" is not a whole number"},
+        {document(value("b", "ValueInt", "<Value>9999999999</Value>")), "not a whole number"},
+        {document(value("b", "ValueBoolean", "<Value>yes</Value>")), "neither true nor false"},
+        {document(value("b", "ValueNumericFloat", "<Max>x</Max>")), "Max: \"x\" is not a number"},
+        {document(value("b", "ValueFloat", "<Value exact=\"?\">1</Value>")), "not a number"},
+        {document(value("b", "ValueString", "<Value exact=\"YQ==\"/>")), "inside a character"},
+        {document(value("b", "ValueString", "<Value exact=\"*\"/>")), "not base64"},
+        {document(value("b", "ValueBuffer", "")), "\"State\" is missing"},
+        {document(value("b", "ValueIntList", "<State>MjA7/w==</State>")), "Value \"b\": "},
+        {document(value("b", "ValueSelection", "<SelectionItem><Key>a</Key></SelectionItem>")),
+         "not a whole number"},
+        {document("<OLD type=\"node\"/>"), "\"OLD\" is a node in one place"},
+        {document(value("b", "ValueInt", "") + "<b type=\"node\"/>"), "\"b\" is a node in one"},
+        {document("<_x002F_ type=\"node\"/>"), "No item can have the name \"/\""},
+        {document(value("OLD", "ValueIntList", "<State>AA==</State>")), "can't be read from"},
+    };
+    Node root;
+    root.AddValue("OLD", new Int("OLD", 7));
+    for (const auto &[xml, reason] : cases) {
+        QString text = xml;
+        text.replace("Version=\"1.0\">", // what would change the tree comes first
+                     "Version=\"1.0\"><NEW type=\"node\"/>");
+        EXPECT_THAT(reasonOf(root, text).toStdString(), testing::HasSubstr(reason.toStdString()))
+            << qPrintable(text.left(300));
+        EXPECT_EQ(root.GetChildrenCount(), 1);
+        EXPECT_EQ(root.GetValue("OLD")->GetStringValue(), "7");
+    }
+    EXPECT_THROW(VtXml(document(deep)), KRException);
+}
+
+TEST(VtXml, ReadsIntoWhatIsThere)
+{
+    ErrorHandler::Instance().SetTraceMask(0);
+    Node root;
+    fill(root);
+    auto *const number = static_cast<Number *>(root.GetValue("RECEIVER/FREQUENCY"));
+    number->SetMinMax(0, 10, 1, nullptr);
+    TreeLog log;
+    log.watch(number, "f");
+    log.watch(root.GetNode("RECEIVER"), "r");
+    VtXml::FromXml(&root, kGolden);
+    EXPECT_EQ(root.GetValue("RECEIVER/FREQUENCY"), number);
+    EXPECT_EQ(number->GetValue(), 50);
+    EXPECT_THAT(log.take(), testing::ElementsAre("f 4", "f 4", "f 3")); // the value was clipped
+
+    // New subtrees are told of when they stand; unknown kinds and elements are left out.
+    const QString more = document("<RECEIVER type=\"node\"><A type=\"node\"><B type=\"node\"/>"
+                                  "<V type=\"value\"><Type>ValueInt</Type><Value>3</Value></V></A>"
+                                  "<A type=\"node\"><C type=\"node\"/></A><x/>"
+                                  "<X type=\"value\"><Type>Nonsense</Type></X></RECEIVER>");
+    log.then["r 16"] = [&] { EXPECT_EQ(names(*root.GetNode("RECEIVER/A")), "/A\n\t/B\n\t/V\n"); };
+    VtXml::FromXml(&root, more);
+    EXPECT_THAT(log.take(), testing::ElementsAre("r 16"));
+    EXPECT_NE(root.GetNode("RECEIVER/A/C"), nullptr);
+    EXPECT_EQ(root.GetValue("RECEIVER/X"), nullptr);
+
+    // A number with limits takes the value of a file that was made before it had them.
+    VtXml::FromXml(&root, document("<RECEIVER type=\"node\"><FREQUENCY type=\"value\"><Type>"
+                                   "ValueInt</Type><Value>42</Value></FREQUENCY></RECEIVER>"));
+    EXPECT_EQ(number->GetValue(), 42);
+    EXPECT_EQ(number->GetMax(), 100);
+
+    log.then.clear();
+    log.then["f 4"] = [&] { root.GetNode("RECEIVER")->DeleteValue("FREQUENCY"); };
+    number->SetMax(1, nullptr);
+    Node second;
+    fill(second);
+    auto *const victim = static_cast<Number *>(second.GetValue("RECEIVER/FREQUENCY"));
+    victim->SetMinMax(0, 1, 1, nullptr);
+    TreeLog deleting;
+    deleting.watch(victim, "v");
+    deleting.then["v 4"] = [&] { second.DeleteChildren(); };
+    VtXml::FromXml(&second, kGolden); // everything goes in the middle of a value
+    EXPECT_EQ(second.GetChildrenCount(), 0);
+    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
+}
+
+class Versions final : public VtFileVersion {
+public:
+    QString GetVersion() const override { return "1.0"; }
+    void FixVersionConflict(Node *node, const ValueDescriptor *) override
+    {
+        fixed.push_back(node->GetName().toStdString());
+    }
+    std::vector<std::string> fixed;
+};
+
+class OneDescriptor final : public IValueDescriptorMap {
+public:
+    OneDescriptor() { SetInstance(this); }
+    ~OneDescriptor() override { SetInstance(m_before); }
+    const ValueDescriptor *Find(const QString &key) const override
+    {
+        return key == "KEY" ? descriptor : nullptr;
+    }
+    QString KeyOf(const ValueDescriptor &) const override { return "KEY"; }
+    int storage = 0;
+    const ValueDescriptor *const descriptor = reinterpret_cast<const ValueDescriptor *>(&storage);
+
+private:
+    IValueDescriptorMap *const m_before = Instance();
+};
+
+TEST(VtXml, AsksAboutOtherVersions)
+{
+    const OneDescriptor map;
+    const QString item = "<n type=\"node\"><ValueDescriptor>KEY</ValueDescriptor>"
+                         "<v type=\"value\"><Type>ValueInt</Type>"
+                         "<ValueDescriptor>KEY</ValueDescriptor></v></n>";
+    Node root;
+    EXPECT_FALSE(VtXml::FromXml(&root, document(item, "0.9")));
+    QString asked;
+    {
+        Versions handler;
+        handler.AddValueDescriptor(map.descriptor);
+        VtXml::SetVtFileVersion(&handler);
+        EXPECT_FALSE(VtXml::FromXml(&root, document(item, "0.9"))); // nobody to ask
+        UserQuestion::SetHandler([&](const QString &question) {
+            asked = question;
+            return handler.GetFileVersion() == "0.9" ? UserQuestion::Continue : UserQuestion::Abort;
+        });
+        EXPECT_FALSE(VtXml::FromXml(&root, "<!DOCTYPE Vt><Vt>" + item + "</Vt>"));
+        EXPECT_EQ(handler.GetFileVersion(), "0.0");
+        EXPECT_EQ(root.GetChildrenCount(), 0);
+        EXPECT_TRUE(VtXml::FromXml(&root, document(item, "0.9")));
+        EXPECT_TRUE(asked.startsWith("The application version doesn't match"));
+        EXPECT_THAT(handler.fixed, testing::ElementsAre("n"));
+        VtXml::FromXml(&root, document(item)); // once a node, though it has the descriptor already
+        EXPECT_THAT(handler.fixed, testing::ElementsAre("n", "n"));
+    }
+    UserQuestion::SetHandler(nullptr);
+    EXPECT_FALSE(VtXml::FromXml(&root, document(item, "0.9"))); // the handler is gone
+    EXPECT_EQ(root.GetNode("n")->GetValueDescriptor(), map.descriptor);
+    EXPECT_EQ(root.GetValue("n/v")->GetValueDescriptor(), map.descriptor);
+    EXPECT_EQ(VtXml::ToXml(&root).count("<ValueDescriptor>KEY</ValueDescriptor>"), 2);
+    root.GetNode("n")->SetValueDescriptor(nullptr, nullptr);
+    root.GetValue("n/v")->SetValueDescriptor(nullptr);
+}
+
+} // namespace
