@@ -9,7 +9,7 @@ namespace values {
 class Node;
 class VtFileVersion;
 
-/// A subtree as an XML file; docs/tree.md shows its form. Application thread.
+/// A subtree as an XML file; docs/treefiles.md shows its form. Application thread.
 ///
 /// Write makes the file under another name beside the old one, has it written to the disk and then
 /// renames it: after a crash, or with a full disk, the file is the old or the new one, whole. A

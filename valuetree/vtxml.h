@@ -12,7 +12,7 @@ class Node;
 class ValueDescriptor;
 class VtFileVersion;
 
-/// Converts a subtree to an XML text and back; docs/tree.md shows the document.
+/// Converts a subtree to an XML text and back; docs/treefiles.md shows the document.
 ///
 /// ToXml and FromXml work on a whole subtree in one pass. An object of the class holds a document
 /// of single nodes, to be filled by AddNode and emptied by CreateNodeAt. Version and handler are
@@ -40,8 +40,8 @@ public:
     /// document doesn't name stays. False, with nothing read, when the version is refused.
     ///
     /// The whole document is checked first. \throws KRException, with nothing changed, for what
-    /// isn't well-formed, nests deeper than a tree may, declares entities, has a value in a node's
-    /// place or the other way round, or a text that its value can't take. A value of an unknown
+    /// isn't well-formed, nests deeper than a tree may, declares entities, names an item twice, has a
+    /// value in a node's place or the other way round, or a text that its value can't take. A value of an unknown
     /// kind is traced and left out. Observers may delete what they like meanwhile; what is gone is
     /// skipped.
     static bool FromXml(Node *node, const QString &xml);

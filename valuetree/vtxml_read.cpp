@@ -10,7 +10,7 @@
 #include "valuetree/vtxml.h"
 #include "valuetree/vtxml_p.h"
 
-#include <QHash>
+#include <QSet>
 
 namespace values {
 
@@ -71,13 +71,8 @@ public:
     void apply(Node &node, std::size_t parent);
 
 private:
-    struct Seen {
-        Role role;
-        ValueBase *value; // null for a node, and for a value that is left out
-    };
-
-    void checkItem(const Node *node, std::size_t at, int depth, QHash<QString, Seen> &seen);
-    Seen checkValue(ValueBase *existing, std::size_t at, const QString &name);
+    void checkItem(const Node *node, std::size_t at, int depth, QSet<QString> &seen);
+    void checkValue(ValueBase *existing, std::size_t at, const QString &name);
     void applyDescriptor(Node &node, std::size_t element);
     void applyNode(Node &parent, std::size_t at, const QString &name);
     void applyValue(Node &parent, std::size_t at, const QString &name);
@@ -86,10 +81,9 @@ private:
     {
         return XmlTextForms::DecodeName(m_document.view(m_elements[at].name));
     }
-    TreeItem *existing(const Node &parent, std::size_t at, const QString &name) const
+    TreeItem *existing(const Node &parent, const QString &name) const
     {
-        // Where the parent is new, only an element before this one can have made an item.
-        return m_fresh && !m_elements[at].isRepeat ? nullptr : parent.GetChild(name);
+        return m_fresh ? nullptr : parent.GetChild(name);
     }
     static void traceSkipped(const QString &name);
 
@@ -104,14 +98,14 @@ void TreeReader::check(const Node *node, std::size_t parent, int depth)
     const std::size_t descriptor = descriptorOf(parent);
     if (descriptor != 0)
         XmlTextForms::TextOf({QString(), m_document.text(m_elements[descriptor].exact), true});
-    QHash<QString, Seen> seen;
+    QSet<QString> seen;
     const auto end = std::size_t(m_elements[parent].end);
     for (std::size_t at = parent + 1; at < end; at = std::size_t(m_elements[at].end))
         if (m_elements[at].role != Role::Other)
             checkItem(node, at, depth, seen);
 }
 
-void TreeReader::checkItem(const Node *node, std::size_t at, int depth, QHash<QString, Seen> &seen)
+void TreeReader::checkItem(const Node *node, std::size_t at, int depth, QSet<QString> &seen)
 {
     const QString name = nameOf(at);
     if (!VtXmlParts::isItemName(name))
@@ -120,43 +114,33 @@ void TreeReader::checkItem(const Node *node, std::size_t at, int depth, QHash<QS
         VtXmlParts::fail(QStringLiteral("The item \"%1\" is deeper than a tree may be.").arg(name));
     const Role role = m_elements[at].role;
     TreeItem *const there = node != nullptr ? node->GetChild(name) : nullptr;
-    const auto earlier = seen.constFind(name);
-    m_elements[at].isRepeat = earlier != seen.constEnd();
-    const bool isClash =
-        m_elements[at].isRepeat
-            ? earlier->role != role
-            : there != nullptr && (there->AsNode() != nullptr) != (role == Role::Node);
-    if (isClash)
+    if (seen.contains(name))
+        VtXmlParts::fail(QStringLiteral("The item \"%1\" stands twice in one place.").arg(name));
+    seen.insert(name);
+    if (there != nullptr && (there->AsNode() != nullptr) != (role == Role::Node))
         VtXmlParts::fail(
-            QStringLiteral("The item \"%1\" is a node in one place and a value in another.")
-                .arg(name));
-    if (role == Role::Node) {
+            QStringLiteral("The item \"%1\" is a node here and a value there.").arg(name));
+    if (role == Role::Node)
         check(there != nullptr ? there->AsNode() : nullptr, at, depth + 1);
-        seen.insert(name, {role, nullptr});
-    } else {
-        ValueBase *const value = m_elements[at].isRepeat ? earlier->value
-                                 : there != nullptr      ? there->AsValueItem()->GetValue()
-                                                         : nullptr;
-        seen.insert(name, checkValue(value, at, name));
-    }
+    else
+        checkValue(there != nullptr ? there->AsValueItem()->GetValue() : nullptr, at, name);
 }
 
-TreeReader::Seen TreeReader::checkValue(ValueBase *value, std::size_t at, const QString &name)
+void TreeReader::checkValue(ValueBase *existing, std::size_t at, const QString &name)
 {
     const ElementFields fields(m_document, at);
-    if (value != nullptr) {
-        XmlValueFactory::Instance().HandlerFor(*value).Check(*value, fields);
-        return {Role::Value, value};
+    if (existing != nullptr) {
+        XmlValueFactory::Instance().HandlerFor(*existing).Check(*existing, fields);
+        return;
     }
     std::unique_ptr<ValueBase> made = VtXmlParts::makeValue(fields.Find(u"Type").text, name);
     if (made == nullptr)
-        return {Role::Value, nullptr};
+        return;
     const XmlValueBase &handler = XmlValueFactory::Instance().HandlerFor(*made);
     handler.Check(*made, fields);
     handler.Read(*made, fields);
     m_elements[at].madeValue = int(m_made.size());
     m_made.push_back(std::move(made));
-    return {Role::Value, m_made.back().get()};
 }
 
 std::size_t TreeReader::descriptorOf(std::size_t element) const
@@ -195,7 +179,7 @@ void TreeReader::applyDescriptor(Node &node, std::size_t element)
 
 void TreeReader::applyNode(Node &parent, std::size_t at, const QString &name)
 {
-    TreeItem *const there = existing(parent, at, name);
+    TreeItem *const there = existing(parent, name);
     if (there != nullptr && there->AsNode() == nullptr)
         return traceSkipped(name);
     if (there != nullptr) {
@@ -227,7 +211,7 @@ void TreeReader::applyNode(Node &parent, std::size_t at, const QString &name)
 
 void TreeReader::applyValue(Node &parent, std::size_t at, const QString &name)
 {
-    TreeItem *const there = existing(parent, at, name);
+    TreeItem *const there = existing(parent, name);
     if (there == nullptr) {
         const int index = m_elements[at].madeValue;
         if (index < 0)

@@ -20,7 +20,6 @@ public:
         Slice name, text, exact;
         int end = 0; // the index behind the last element below
         Role role = Role::Other;
-        bool isRepeat = false; // an earlier sibling among the items has the name
         int madeValue = -1;    // for the reader of a tree
     };
 

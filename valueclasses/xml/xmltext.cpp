@@ -7,7 +7,6 @@
 #include <QtEndian>
 
 #include <algorithm>
-#include <bit>
 #include <charconv>
 #include <limits>
 #include <optional>
@@ -129,8 +128,7 @@ QString ExactNumber(double number, const std::string &printed)
 {
     double read = 0.0;
     std::from_chars(printed.data(), printed.data() + printed.size(), read);
-    if (std::bit_cast<std::uint64_t>(read) == std::bit_cast<std::uint64_t>(number) ||
-        (number != number && read != read))
+    if (read == number || (number != number && read != read))
         return {};
     char digits[32];
     const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
