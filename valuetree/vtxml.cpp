@@ -71,11 +71,11 @@ void fillItem(Node &node, QDomElement &element)
         VtXmlParts::fail(
             QStringLiteral("The item \"%1\" can't stand below \"%2\".").arg(name, node.GetName()));
     if (type == QLatin1String("node")) {
-        auto *const child = new Node(name);
-        if (!node.AddNode(QString(), child))
-            delete child;
-        else
-            fill(*child, element);
+        auto child = std::make_unique<Node>(name);
+        if (!node.AddNode(QString(), child.get()))
+            VtXmlParts::fail(
+                QStringLiteral("The item \"%1\" is deeper than a tree may be.").arg(name));
+        fill(*child.release(), element);
         return;
     }
     std::unique_ptr<ValueBase> value =

@@ -20,7 +20,7 @@ public:
         Slice name, text, exact;
         int end = 0; // the index behind the last element below
         Role role = Role::Other;
-        int madeValue = -1;    // for the reader of a tree
+        int madeValue = -1; // for the reader of a tree
     };
 
     /// \throws KRException "Parse error: ..." for what isn't well-formed, declares entities or
