@@ -109,7 +109,7 @@ public:
         ConsoleReporter::ReportRuns(runs);
         for (const Run &one : runs)
             if (one.run_type == Run::RT_Aggregate && one.aggregate_name == "median")
-                m_medians[one.run_name.function_name] = one.GetAdjustedRealTime();
+                m_medians[one.run_name.function_name] = one.GetAdjustedCPUTime();
     }
     void printRatios()
     {

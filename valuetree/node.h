@@ -1,5 +1,6 @@
 #pragma once
 
+#include "valuetree/pathhash.h"
 #include "valuetree/treeitem.h"
 
 #include <memory>
@@ -128,6 +129,7 @@ private:
     std::uint32_t m_count = 0;
     std::uint32_t m_nextPosition = 0;
     const ValueDescriptor *m_descriptor = nullptr;
+    PathHash m_pathHash;                        // valid while the topmost node has an index
     BaseTree *m_tree = nullptr;                 // of a root
     mutable std::unique_ptr<PathIndex> m_index; // of a topmost node, made on first use
     mutable std::vector<TreeItem *> m_view;     // the children, while m_viewValid

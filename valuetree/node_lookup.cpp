@@ -23,7 +23,7 @@ TreeItem *Node::find(QStringView path) const
 ValueBase *Node::GetValue(QString path) const
 {
     TreeItem *const item = find(path);
-    const ValueItem *const holder = item != nullptr ? item->AsValueItem() : nullptr;
+    const ValueItem *const holder = item != nullptr ? item->valueItem() : nullptr;
     return holder != nullptr ? holder->GetValue() : nullptr;
 }
 

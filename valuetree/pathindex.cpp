@@ -1,12 +1,13 @@
 #include "valuetree/node.h"
-#include "valuetree/pathhash_p.h"
 #include "valuetree/pathindex_p.h"
+
+#include <algorithm>
 
 namespace values {
 
 PathIndex::PathIndex(Node &top)
 {
-    top.m_pathHash = PathHash::kEmpty;
+    top.m_pathHash = PathHash();
     addBelow(top);
 }
 
@@ -36,32 +37,36 @@ TreeItem *PathIndex::child(const Node &parent, QStringView name, std::uint64_t h
 
 TreeItem *PathIndex::Child(const Node &parent, QStringView name) const
 {
-    return child(parent, name, PathHash::extendByName(parent.m_pathHash, name));
+    return child(parent, name, parent.m_pathHash.valueWithName(name));
 }
 
 TreeItem *PathIndex::At(const Node &from, QStringView path) const
 {
-    const std::uint64_t hash = PathHash::extendByName(from.m_pathHash, path);
+    const std::uint64_t hash = from.m_pathHash.valueWithName(path);
     return find(hash, [&](const TreeItem &item) { return isAt(item, from, path); });
 }
 
-TreeItem *PathIndex::AtAbsolute(const Node &from, QStringView path) const
+TreeItem *PathIndex::AtAbsolute(const Node &root, QStringView path) const
 {
-    const std::uint64_t hash = PathHash::extend(from.m_pathHash, path);
-    return find(hash, [&](const TreeItem &item) { return isAt(item, from, path.mid(1)); });
+    return find(PathHash::of(path),
+                [&](const TreeItem &item) { return isAt(item, root, path.mid(1)); });
 }
 
 bool PathIndex::isAt(const TreeItem &item, const Node &from, QStringView path)
 {
-    for (const TreeItem *at = &item;; path.chop(1)) {
+    const QChar *const begin = path.data();
+    const QChar *end = begin + path.size();
+    for (const TreeItem *at = &item;; --end) {
+        const QString &name = at->m_name;
         // An item that isn't the first of its name hides what is below it.
-        if (!at->m_indexed || at->m_slashInName || !path.endsWith(QStringView(at->m_name)))
+        if (!at->m_indexed || at->m_slashInName || end - begin < name.size() ||
+            !std::equal(name.cbegin(), name.cend(), end - name.size()))
             return false;
-        path.chop(at->m_name.size());
+        end -= name.size();
         at = at->m_parent;
         if (at == &from || at == nullptr)
-            return at != nullptr && path.isEmpty();
-        if (path.isEmpty() || path.back() != QChar('/'))
+            return at != nullptr && end == begin;
+        if (end == begin || end[-1] != QChar('/'))
             return false;
     }
 }
@@ -88,16 +93,16 @@ void PathIndex::insert(TreeItem &item)
     ++m_count;
     item.m_indexed = true;
     const std::size_t mask = m_slots.size() - 1;
-    std::size_t i = home(item.m_pathHash);
+    std::size_t i = home(item.m_hash);
     while (m_slots[i].item != nullptr)
         i = (i + 1) & mask;
-    m_slots[i] = {item.m_pathHash, &item};
+    m_slots[i] = {item.m_hash, &item};
 }
 
 void PathIndex::erase(TreeItem &item)
 {
     const std::size_t mask = m_slots.size() - 1;
-    std::size_t hole = home(item.m_pathHash);
+    std::size_t hole = home(item.m_hash);
     while (m_slots[hole].item != &item)
         hole = (hole + 1) & mask;
     // What stands behind moves up, unless that would put it before its home.
@@ -111,14 +116,24 @@ void PathIndex::erase(TreeItem &item)
     --m_count;
 }
 
+void PathIndex::hash(TreeItem &item)
+{
+    PathHash path = item.m_parent->m_pathHash;
+    path.add(u"/");
+    path.add(item.m_name);
+    item.m_hash = path.value();
+    if (item.m_kind == TreeItem::Kind::Node)
+        static_cast<Node &>(item).m_pathHash = path;
+}
+
 void PathIndex::addOne(TreeItem &item)
 {
     item.m_indexed = false; // what an index that was dropped has left
     item.m_hasTwin = false;
-    item.m_pathHash = PathHash::extendByName(item.m_parent->m_pathHash, item.m_name);
+    hash(item);
     if (item.m_name.isEmpty())
         return;
-    if (TreeItem *const twin = child(*item.m_parent, item.m_name, item.m_pathHash)) {
+    if (TreeItem *const twin = child(*item.m_parent, item.m_name, item.m_hash)) {
         TreeItem &first = twin->m_position < item.m_position ? *twin : item;
         first.m_hasTwin = true;
         if (&first == twin)
@@ -170,7 +185,7 @@ void PathIndex::rehashBelow(TreeItem &item)
         const bool indexed = below->m_indexed;
         if (indexed)
             erase(*below);
-        below->m_pathHash = PathHash::extendByName(item.m_pathHash, below->m_name);
+        hash(*below);
         if (indexed)
             insert(*below);
         rehashBelow(*below);

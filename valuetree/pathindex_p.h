@@ -29,8 +29,8 @@ public:
     TreeItem *Child(const Node &parent, QStringView name) const;
     /// What stands at \a path, relative to \a from.
     TreeItem *At(const Node &from, QStringView path) const;
-    /// What stands at \a path, which begins with "/", below \a from.
-    TreeItem *AtAbsolute(const Node &from, QStringView path) const;
+    /// What stands at \a path, which begins with "/", below the topmost node.
+    TreeItem *AtAbsolute(const Node &root, QStringView path) const;
 
 private:
     struct Slot {
@@ -43,6 +43,7 @@ private:
     TreeItem *child(const Node &parent, QStringView name, std::uint64_t hash) const;
     static bool isAt(const TreeItem &item, const Node &from, QStringView path);
     std::size_t home(std::uint64_t hash) const;
+    static void hash(TreeItem &item);
     void insert(TreeItem &item);
     void erase(TreeItem &item);
     void grow();

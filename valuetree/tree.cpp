@@ -73,7 +73,7 @@ ValueBase *BaseTree::GetValue(QString path) const
 ValueItem *BaseTree::GetValueItem(const QString &path) const
 {
     TreeItem *const item = find(path);
-    return item != nullptr ? item->AsValueItem() : nullptr;
+    return item != nullptr ? item->valueItem() : nullptr;
 }
 
 Node *BaseTree::GetNode(QString path) const

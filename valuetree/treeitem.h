@@ -47,7 +47,7 @@ public:
     void AddTreeString(std::string &out, int depth, int detail) const override;
 
 protected:
-    enum class Kind { Node, ValueItem };
+    enum class Kind : unsigned char { Node, ValueItem };
     TreeItem(Kind kind, QString name);
 
     /// Sends code 18, unless that was done before.
@@ -72,15 +72,17 @@ private:
     friend class ValueItem;
 
     Node *top() const;
+    ValueItem *valueItem(); // AsValueItem without a look at the virtual table
     void setParent(Node *parent);
     void rememberPath();
 
-    Node *m_parent = nullptr;
     TreeItem *m_previous = nullptr; // siblings, in the order in which they came
     TreeItem *m_next = nullptr;
-    std::uint64_t m_pathHash = 0; // valid while the topmost node has an index
+    QString m_lastPath;       // of an item outside of a tree
+    std::uint64_t m_hash = 0; // of the whole path, while the topmost node has an index
+    // What a lookup reads stands together.
+    Node *m_parent = nullptr;
     QString m_name;
-    QString m_lastPath;           // of an item outside of a tree
     std::uint32_t m_position = 0; // rises from sibling to sibling
     const Kind m_kind;
     bool m_indexed : 1;     // the first of its name, and in the index

@@ -83,4 +83,9 @@ private:
     ValueBase *m_value = nullptr;
 };
 
+inline ValueItem *TreeItem::valueItem()
+{
+    return m_kind == Kind::ValueItem ? static_cast<ValueItem *>(this) : nullptr;
+}
+
 } // namespace values
