@@ -150,7 +150,7 @@ bool Node::place(QStringView path, TreeItem *item)
         for (const QStringView &name : path.split(QChar('/'))) {
             if (name.isEmpty())
                 return false;
-            TreeItem *const next = missing.empty() ? index().Child(*at, name) : nullptr;
+            TreeItem *const next = missing.empty() ? at->child(name) : nullptr;
             if (next == nullptr)
                 missing.push_back(name.toString());
             else if ((at = next->AsNode()) == nullptr)
@@ -163,7 +163,7 @@ bool Node::place(QStringView path, TreeItem *item)
     if (item == nullptr ? at->depth() + levels > TreePathHelpers::kMaximumDepth
                         : !at->canTake(*item, levels + 1))
         return false;
-    if (missing.empty() && (item == nullptr || at->GetChild(item->m_name) != nullptr))
+    if (missing.empty() && (item == nullptr || at->child(item->m_name) != nullptr))
         return item == nullptr;
 
     TreeItem *subtree = item;

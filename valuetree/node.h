@@ -113,6 +113,9 @@ private:
 
     PathIndex &index() const;
     TreeItem *find(QStringView path) const;
+    TreeItem *child(QStringView name) const;
+    TreeItem *walkTo(QStringView name) const;
+    bool isReachable() const { return m_parent == nullptr || m_indexed; }
     int depth() const;
     static int height(const TreeItem &item);
     bool canTake(const TreeItem &item, int levels) const;

@@ -15,9 +15,31 @@ PathIndex &Node::index() const
     return *highest->m_index;
 }
 
+/// The first child of the name, by a walk.
+TreeItem *Node::walkTo(QStringView name) const
+{
+    TreeItem *child = name.isEmpty() ? nullptr : m_first;
+    while (child != nullptr && QStringView(child->m_name) != name)
+        child = child->m_next;
+    return child;
+}
+
+TreeItem *Node::child(QStringView name) const
+{
+    const PathIndex &paths = index();
+    // What no path leads to isn't in the index: below a twin, or with a "/" in its name.
+    return isReachable() && !name.contains(QChar('/')) ? paths.At(*this, name) : walkTo(name);
+}
+
 TreeItem *Node::find(QStringView path) const
 {
-    return path.isEmpty() ? nullptr : index().At(*this, path);
+    const PathIndex &paths = index();
+    if (isReachable() || path.isEmpty())
+        return path.isEmpty() ? nullptr : paths.At(*this, path);
+    const auto cut = path.indexOf(QChar('/'));
+    TreeItem *const first = walkTo(cut < 0 ? path : path.left(cut));
+    const Node *const node = first != nullptr && cut >= 0 ? first->AsNode() : nullptr;
+    return cut < 0 ? first : node != nullptr ? node->find(path.mid(cut + 1)) : nullptr;
 }
 
 ValueBase *Node::GetValue(QString path) const
@@ -40,10 +62,7 @@ Node *Node::GetNode(QString path) const
 
 Node *Node::GetSubTree(QString path) const { return GetNode(std::move(path)); }
 
-TreeItem *Node::GetChild(QString name) const
-{
-    return name.isEmpty() ? nullptr : index().Child(*this, name);
-}
+TreeItem *Node::GetChild(QString name) const { return child(name); }
 
 const std::vector<TreeItem *> &Node::GetTreeItems() const
 {

@@ -15,7 +15,7 @@ std::uint64_t draw()
 
 } // namespace
 
-const std::uint64_t PathHash::s_key[2] = {draw(), draw()};
+const std::uint64_t PathHash::s_key[4] = {draw(), draw(), draw(), draw()};
 
 void PathHash::add(QStringView text)
 {
@@ -34,11 +34,11 @@ void PathHash::add(QStringView text)
     }
 }
 
-std::uint64_t PathHash::of(QStringView text)
+PathHash::Value PathHash::of(QStringView text)
 {
     const char16_t *at = text.utf16();
     auto left = text.size();
-    std::uint64_t hash = 0;
+    Value hash{0, 0};
     for (; left >= kBlock; left -= kBlock, at += kBlock)
         hash = fold(hash, at);
     char16_t last[kBlock] = {};

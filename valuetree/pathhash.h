@@ -7,40 +7,51 @@
 
 namespace values {
 
-/// A hash over the characters of a path that goes on where another one ended: that of a child is
-/// its parent's, continued by "/" and its name.
+/// A hash of 128 bits over the characters of a path. It goes on where another one ended: that of a
+/// child is its parent's, continued by "/" and its name.
 ///
-/// It folds 128-bit products of the characters, eight at a time, and of numbers that each process
-/// draws by chance, so that nobody can choose names that collide.
+/// Equal hashes stand for equal paths. Both halves fold products of the characters and of numbers
+/// that each process draws by chance, so that nobody can choose names that collide, and by chance
+/// no process of this world will see it.
 class PathHash {
 public:
-    void add(QStringView text);
-    std::uint64_t value() const { return fold(m_hash, m_pending); }
+    struct Value {
+        std::uint64_t place; ///< where it stands in a table
+        std::uint64_t check;
+        bool operator==(const Value &) const = default;
+    };
 
-    /// The same as a fresh one to which \a text was added.
-    static std::uint64_t of(QStringView text);
-    std::uint64_t valueWithName(QStringView name) const
+    void add(QStringView text);
+    Value value() const { return fold(m_hash, m_pending); }
+    Value valueWithName(QStringView name) const
     {
         PathHash child = *this;
         child.add(u"/");
         child.add(name);
         return child.value();
     }
+    /// That of a fresh one to which \a text was added.
+    static Value of(QStringView text);
 
 private:
     static constexpr int kBlock = 8; // characters
 
-    static const std::uint64_t s_key[2];
-    static std::uint64_t fold(std::uint64_t hash, const char16_t *block)
+    static const std::uint64_t s_key[4];
+    static std::uint64_t multiply(std::uint64_t a, std::uint64_t b)
     {
-        std::uint64_t halves[2];
-        std::memcpy(halves, block, sizeof halves);
         __extension__ using Wide = unsigned __int128;
-        const Wide product = Wide(halves[0] ^ s_key[0]) * (halves[1] ^ hash ^ s_key[1]);
+        const Wide product = Wide(a) * b;
         return std::uint64_t(product) ^ std::uint64_t(product >> 64);
     }
+    static Value fold(const Value &hash, const char16_t *block)
+    {
+        std::uint64_t half[2];
+        std::memcpy(half, block, sizeof half);
+        return {multiply(half[0] ^ s_key[0], half[1] ^ hash.place ^ s_key[1]),
+                multiply(half[0] ^ s_key[2], half[1] ^ hash.check ^ s_key[3])};
+    }
 
-    std::uint64_t m_hash = 0;
+    Value m_hash{0, 0};
     char16_t m_pending[kBlock] = {}; // the last block, filled up with zeroes
     int m_count = 0;                 // characters in it
 };

@@ -61,7 +61,7 @@ TreeItem *BaseTree::find(const QString &path) const
 {
     if (m_root == nullptr || path.size() < 2 || path[0] != QChar('/') || path.endsWith('/'))
         return nullptr;
-    return m_root->index().AtAbsolute(*m_root, path);
+    return m_root->index().AtAbsolute(path);
 }
 
 ValueBase *BaseTree::GetValue(QString path) const

@@ -11,9 +11,8 @@
 namespace values {
 
 TreeItem::TreeItem(Kind kind, QString name)
-    : m_name(std::move(name)), m_kind(kind), m_indexed(false), m_hasTwin(false),
-      m_slashInName(m_name.contains('/')), m_toldAhead(false), m_toldOfEnd(false), m_ending(false),
-      m_listening(false), m_valueEnding(false)
+    : m_name(std::move(name)), m_kind(kind), m_indexed(false), m_hasTwin(false), m_toldAhead(false),
+      m_toldOfEnd(false), m_ending(false), m_listening(false), m_valueEnding(false)
 {
 }
 
@@ -128,7 +127,6 @@ void TreeItem::storeName(const QString &name)
         highest->m_index->Rename(*this, name);
     else
         m_name = name;
-    m_slashInName = m_name.contains('/');
 }
 
 void TreeItem::requireThread(const char *text, const QString &subject)

@@ -76,18 +76,18 @@ private:
     void setParent(Node *parent);
     void rememberPath();
 
+    Node *m_parent = nullptr;
     TreeItem *m_previous = nullptr; // siblings, in the order in which they came
     TreeItem *m_next = nullptr;
-    QString m_lastPath;       // of an item outside of a tree
-    std::uint64_t m_hash = 0; // of the whole path, while the topmost node has an index
-    // What a lookup reads stands together.
-    Node *m_parent = nullptr;
     QString m_name;
+    QString m_lastPath; // of an item outside of a tree
+    // The hash of the path, of an item in an index. What a lookup reads stands together.
+    std::uint64_t m_place = 0;
+    std::uint64_t m_check = 0;
     std::uint32_t m_position = 0; // rises from sibling to sibling
     const Kind m_kind;
-    bool m_indexed : 1;     // the first of its name, and in the index
+    bool m_indexed : 1;     // a path leads here: it is the first of its name, its parent too
     bool m_hasTwin : 1;     // a later sibling may have the same name
-    bool m_slashInName : 1; // no path leads here
     bool m_toldAhead : 1;   // code 17 went out, or is going out
     bool m_toldOfEnd : 1;   // code 18 likewise
     bool m_ending : 1;      // its deletion or destruction runs
