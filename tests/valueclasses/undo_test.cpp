@@ -228,6 +228,11 @@ public:
             end->AddObserver(this);
         }
     }
+    ~Link() override
+    {
+        m_a.DeleteObserver(this);
+        m_b.DeleteObserver(this);
+    }
     void Update(Observable *subject, TChangeCode code) override
     {
         ValueBase &from = subject == &m_a ? m_a : m_b;
@@ -275,6 +280,17 @@ TEST_F(UndoTest, ClientsOpenFinishShowAndRunStacksOfAServer)
     EXPECT_EQ(value.GetValue(), 1);
     client.ExecuteUndo(UndoManager::kAllStacks);
     EXPECT_EQ(value.GetValue(), 0);
+}
+
+TEST_F(UndoTest, AnEndLeavesATextThatIsMarkedAsDeleted)
+{
+    Value<QString> text;
+    {
+        const UndoRemoteValue end(&text);
+        text.SetState(VS_DELETED, nullptr);
+        EXPECT_FALSE(text.HasObservers());
+    }
+    text.SetState(VS_NORMAL, nullptr);
 }
 
 } // namespace

@@ -23,10 +23,12 @@ void UndoRemoteValue::Update(Observable *subject, TChangeCode code)
 {
     if (subject != m_subject || m_value == nullptr)
         return;
-    if (code == CC_STATE && m_value->ValueBase::GetState() == VS_DELETED)
+    if (code == CC_STATE && m_value->ValueBase::GetState() == VS_DELETED) {
         m_value = nullptr;
-    else if (code == CC_VALUE)
+        m_subject->DeleteObserver(this); // it may be marked only, and live on
+    } else if (code == CC_VALUE) {
         TextChanged(GetText());
+    }
 }
 
 QString UndoRemoteValue::GetText() const
