@@ -23,7 +23,7 @@ Node::Node(const QString &name) : TreeItem(Kind::Node, name) {}
 
 Node::~Node()
 {
-    requireThread("VTTHREADING: Destructing node from non-main thread ", describe());
+    requireThread("VTTHREADING: Destructing node from non-main thread ");
     m_ending = true;
     setLastDeleted();
     if (!m_childrenNotified)
@@ -126,10 +126,14 @@ void Node::unlink(TreeItem &item)
     ChildWalk::tellUnlinked(item);
     if (PathIndex *const index = top()->m_index.get())
         index->Remove(item);
-    if (m_viewValid && item.m_next == nullptr)
-        m_view.pop_back();
-    else
-        m_viewValid = false;
+    if (m_viewValid) {
+        // A model asks for the index of each row that goes; far from the end a move costs more than
+        // a fresh view, which nobody may ask for.
+        const auto at = m_view.begin() + GetIndex(&item);
+        m_viewValid = m_view.end() - at <= 1024;
+        if (m_viewValid)
+            m_view.erase(at);
+    }
     (item.m_previous != nullptr ? item.m_previous->m_next : m_first) = item.m_next;
     (item.m_next != nullptr ? item.m_next->m_previous : m_last) = item.m_previous;
     --m_count;
@@ -261,28 +265,35 @@ Node *Node::AddChildNode(const QString &name)
     return GetChildNode(name);
 }
 
-void Node::AddItem(TreeItem *item)
+void Node::requireTakeable(const TreeItem *item) const
 {
     if (item == nullptr)
         throw KRException("There is no item to add.", __FILE__, "Node", "AddItem", __LINE__);
+    if (!canTake(*item, 1))
+        throw KRException(QStringLiteral("The item \"%1\" cannot stand below \"%2\".")
+                              .arg(item->m_name, describe()),
+                          __FILE__, "Node", "AddItem", __LINE__);
+}
+
+void Node::AddItem(TreeItem *item)
+{
+    requireTakeable(item);
     _Q_assert(item->m_parent != this,
               "std::find(m_TreeItems.cbegin(), m_TreeItems.cend(), pItem) == m_TreeItems.cend()",
               __FILE__, __LINE__);
     if (item->m_parent == this)
         return;
-    if (!canTake(*item, 1))
-        throw KRException(QStringLiteral("The item \"%1\" cannot stand below \"%2\".")
-                              .arg(item->m_name, describe()),
-                          __FILE__, "Node", "AddItem", __LINE__);
     link(*item);
     NotifyObservers(CC_CHILD_ADDED, nullptr);
 }
 
 void Node::AddItemUnique(TreeItem *item)
 {
-    if (item != nullptr)
-        item->SetName(GetUniqueChildName(item->m_name), nullptr);
-    AddItem(item);
+    requireTakeable(item); // before it has another name
+    const ItemWatch watch(item);
+    item->SetName(GetUniqueChildName(item->m_name), nullptr);
+    if (!watch.isGone())
+        AddItem(item);
 }
 
 void Node::NotifyDelete(IDeleteSubject *subject)

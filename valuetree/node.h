@@ -119,6 +119,7 @@ private:
     int depth() const;
     static int height(const TreeItem &item);
     bool canTake(const TreeItem &item, int levels) const;
+    void requireTakeable(const TreeItem *item) const;
     bool place(QStringView path, TreeItem *item);
     void link(TreeItem &item);
     void unlink(TreeItem &item);

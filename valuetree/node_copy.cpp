@@ -49,18 +49,15 @@ std::vector<std::unique_ptr<TreeItem>> Node::copiesOf(const Node &other) const
     std::vector<std::unique_ptr<TreeItem>> copies;
     copies.reserve(other.m_count);
     for (TreeItem *child = other.m_first; child != nullptr; child = child->m_next)
-        if (auto copy = copyOf(*child))
+        if (auto copy = copyOf(*child)) {
+            requireTakeable(copy.get()); // before anything is lost
             copies.push_back(std::move(copy));
+        }
     return copies;
 }
 
 void Node::replaceChildren(std::vector<std::unique_ptr<TreeItem>> children)
 {
-    for (const auto &child : children)
-        if (!canTake(*child, 1)) {
-            AddItem(child.get()); // throws before anything is lost
-            return;
-        }
     const ItemWatch watch(this);
     DeleteChildren();
     for (auto &child : children) {

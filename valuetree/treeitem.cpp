@@ -129,11 +129,11 @@ void TreeItem::storeName(const QString &name)
         m_name = name;
 }
 
-void TreeItem::requireThread(const char *text, const QString &subject)
+void TreeItem::requireThread(const char *text) const
 {
     if (Kelm::isUnloading() || Kelm::isAcceptableThread())
         return;
-    SPECTREE_TRACE(TraceWarnings, QLatin1String(text) + subject);
+    SPECTREE_TRACE(TraceWarnings, QLatin1String(text) + describe());
     Kelm::terminate();
 }
 

@@ -56,8 +56,8 @@ protected:
     void storeName(const QString &name);
     /// The path, or the last one, or the name: for messages.
     QString describe() const;
-    /// Ends the process on a wrong thread, with \a text and \a subject traced.
-    static void requireThread(const char *text, const QString &subject);
+    /// Ends the process on a wrong thread, with \a text and the path traced.
+    void requireThread(const char *text) const;
     void setLastDeleted();
     /// Tells the parent, as the last act of a destructor.
     void leaveParent();

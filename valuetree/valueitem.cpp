@@ -20,7 +20,7 @@ ValueItem::ValueItem(ValueBase *value) : TreeItem(Kind::ValueItem, QString())
 
 ValueItem::~ValueItem()
 {
-    requireThread("VTTHREADING: Destructing value item from non-main thread ", describe());
+    requireThread("VTTHREADING: Destructing value item from non-main thread ");
     m_ending = true;
     setLastDeleted();
     tellOfEnd(nullptr);
