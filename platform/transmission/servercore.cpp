@@ -229,15 +229,12 @@ bool ServerCore::transmitTo(const std::string &route, const char *header, std::s
 {
     using zmq::send_flags;
     constexpr send_flags kMore = send_flags::sndmore | send_flags::dontwait;
-    const auto send = [&socket = m_socket](auto &&part, send_flags flags) {
-        return uninterrupted([&] { return socket.send(part, flags); }).has_value();
-    };
     try {
-        if (!send(zmq::buffer(route), kMore))
+        if (!sendPart(m_socket, zmq::buffer(route), kMore))
             return false;
-        send(zmq::buffer(header, size), payload ? kMore : send_flags::dontwait);
+        sendPart(m_socket, zmq::buffer(header, size), payload ? kMore : send_flags::dontwait);
         if (payload)
-            send(toMessage(*payload), send_flags::dontwait);
+            sendPart(m_socket, toMessage(*payload), send_flags::dontwait);
         return true;
     } catch (const zmq::error_t &) {
         return false;

@@ -22,6 +22,13 @@ auto uninterrupted(Call call)
     }
 }
 
+/// Sends one part of a message; false when it would have to wait.
+template <typename Part>
+bool sendPart(zmq::socket_t &socket, Part &&part, zmq::send_flags flags)
+{
+    return uninterrupted([&] { return socket.send(part, flags); }).has_value();
+}
+
 /// Whether receiveParts() would find something.
 bool isReadable(zmq::socket_t &socket);
 
