@@ -1,20 +1,13 @@
 // The string forms of a channel range definition: what is read can be written and read again, and
 // what is refused leaves the target alone.
+#include "fuzz/fuzztools.h"
 #include "platform/base/bytes.h"
 #include "platform/base/krexception.h"
 #include "valueclasses/channels/channelrangedefinition.h"
 
-#include <cstdlib>
-
 namespace {
 
 using values::ChannelRangeDefinition;
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 std::string written(const ChannelRangeDefinition &definition)
 {

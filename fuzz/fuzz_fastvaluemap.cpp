@@ -2,6 +2,7 @@
 // its upper bits, the mode, the compress mode and whether a scan buffer with its data source is
 // attached; the rest is the string. A refused string changes nothing, and what is parsed is parsed
 // to the same bytes again.
+#include "fuzz/fuzztools.h"
 #include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
 #include "platform/startup/cfgcenter.h"
@@ -9,17 +10,9 @@
 
 #include <QCoreApplication>
 
-#include <cstdlib>
-
 namespace {
 
 using namespace values;
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 struct Input {
     std::string commands;

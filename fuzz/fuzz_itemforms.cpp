@@ -1,6 +1,7 @@
 // The string forms of tree items. The first byte chooses the item: a node, a value item without a
 // value, or one whose value has the type number that the byte says; the rest is the text. A refused
 // text makes no value and renames no node, and what was taken is read again from its own form.
+#include "fuzz/fuzztools.h"
 #include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
 #include "valueclasses/valuedescriptor.h"
@@ -10,17 +11,9 @@
 
 #include <QCoreApplication>
 
-#include <cstdlib>
-
 namespace {
 
 using namespace values;
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 bool take(TreeItem &item, std::string_view text)
 {

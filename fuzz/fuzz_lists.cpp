@@ -1,21 +1,14 @@
 // Lists and vectors. The first byte chooses the kind (modulo 35) and, by its upper bits, a mode of
 // command strings or the text form; the rest is the string. A refused string changes nothing; what
 // was taken is written and restored to the same bytes.
+#include "fuzz/fuzztools.h"
 #include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
 #include "valueclasses/valuespecialinterest.h"
 
-#include <cstdlib>
-
 namespace {
 
 using namespace values;
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 using Make = std::unique_ptr<ValueBase> (*)();
 
@@ -78,11 +71,7 @@ void runCommands(Make kind, const std::string &commands, int mode)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t size)
 {
-    static const bool quiet = [] {
-        ErrorHandler::Instance().SetTraceMask(0);
-        return true;
-    }();
-    static_cast<void>(quiet);
+    ErrorHandler::Instance().SetTraceMask(0);
     if (size == 0)
         return 0;
     const Make kind = kKinds[bytes[0] % std::size(kKinds)];

@@ -1,9 +1,9 @@
 // Scan buffer messages: whatever parses is read through, written, and parses again to the same.
+#include "fuzz/fuzztools.h"
 #include "platform/base/krexception.h"
 #include "scanbuffer/mdatatypes.h"
 
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
 
@@ -21,12 +21,6 @@ void readThrough(const MData &message, int depth)
     } else if (const auto *image = dynamic_cast<const MDataAzimuth *>(&message)) {
         image->byteCount();
     }
-}
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
 }
 
 } // namespace

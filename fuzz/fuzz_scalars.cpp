@@ -1,6 +1,7 @@
 // Command strings of the scalar values. The first byte chooses the kind (modulo 20) and, by its
 // upper bits, the mode; the rest is the string. A refused string changes nothing; what was taken is
 // recorded, and the record makes an equal value of a copy; undo gives the first state back.
+#include "fuzz/fuzztools.h"
 #include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
 #include "valueclasses/undo/undomanager.h"
@@ -11,17 +12,9 @@
 
 #include <QCoreApplication>
 
-#include <cstdlib>
-
 namespace {
 
 using namespace values;
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 constexpr auto kLossless = unsigned(ModeBinaryTagged);
 
@@ -88,11 +81,7 @@ constexpr Run kRuns[] = {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t size)
 {
-    static const bool quiet = [] {
-        ErrorHandler::Instance().SetTraceMask(0);
-        return true;
-    }();
-    static_cast<void>(quiet);
+    ErrorHandler::Instance().SetTraceMask(0);
     if (size == 0)
         return 0;
     constexpr int kModes[] = {0, -1, -2, 1};

@@ -1,6 +1,7 @@
 // Command strings of selections. The first byte chooses the kind (modulo 5) and, by the rest of it,
 // the mode; the rest is the string. A refused string changes nothing; what an accepted one made can
 // be sent, undone and, reduced to what counts, replayed.
+#include "fuzz/fuzztools.h"
 #include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
 #include "valueclasses/selection/valuemultiselection.h"
@@ -8,17 +9,10 @@
 #include "valueclasses/valueselection.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace {
 
 using namespace values;
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 std::unique_ptr<ValueBase> makeSelection()
 {
@@ -102,11 +96,7 @@ void reduce(const std::string &commands, int mode)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t size)
 {
-    static const bool quiet = [] {
-        ErrorHandler::Instance().SetTraceMask(0);
-        return true;
-    }();
-    static_cast<void>(quiet);
+    ErrorHandler::Instance().SetTraceMask(0);
     if (size == 0)
         return 0;
     constexpr int kModes[] = {0, -1, -2, 1, -3};

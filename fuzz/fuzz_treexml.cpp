@@ -1,5 +1,6 @@
 // Tree documents. A refused one changes nothing; what was read is written again, and reads as the
 // same tree; the road over QDom takes what the one in one pass takes.
+#include "fuzz/fuzztools.h"
 #include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
 #include "valueclasses/value.h"
@@ -8,18 +9,11 @@
 
 #include <QCoreApplication>
 
-#include <cstdlib>
 #include <memory>
 
 using namespace values;
 
 namespace {
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 void viaDom(const QString &xml)
 {
