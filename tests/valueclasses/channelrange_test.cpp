@@ -156,6 +156,27 @@ TEST(ChannelRangeDefinition, MapsIdIndexAndFrequencyInKeyOrder)
     }
 }
 
+// The same ids, whether the ranges ascend (a binary search) or not.
+TEST(ChannelRangeDefinition, FindsTheRangeOfEachId)
+{
+    ChannelRangeDefinition ascending, mixed;
+    for (const unsigned int first : {0U, 20U, 30U, 40U, 100U})
+        ascending.AddRangeDefinition(first, first == 30 ? 0U : 10U, 1e6, 1e3, QString());
+    for (const unsigned int first : {100U, 0U, 40U, 30U, 20U})
+        mixed.AddRangeDefinition(first, first == 30 ? 0U : 10U, 1e6, 1e3, QString());
+    for (unsigned int id = 0; id < 120; ++id) {
+        SCOPED_TRACE(id);
+        const unsigned int first = id / 10 * 10;
+        const bool held = first == 0 || first == 20 || first == 40 || first == 100;
+        for (const auto *definition : {&ascending, &mixed}) {
+            const auto *range = definition->FindIndexedRange(id);
+            ASSERT_EQ(range != nullptr, held);
+            if (held)
+                EXPECT_EQ(range->firstChannelId, first);
+        }
+    }
+}
+
 TEST(ChannelRangeDefinition, RefusesWhatItDoesNotHold)
 {
     const ChannelRangeDefinition definition = three();

@@ -35,6 +35,7 @@ ChannelRangeDefinition &ChannelRangeDefinition::operator=(ChannelRangeDefinition
     m_ranges.swap(other.m_ranges);
     m_indexed.swap(other.m_indexed);
     std::swap(m_channelCount, other.m_channelCount);
+    std::swap(m_ascending, other.m_ascending);
     return *this;
 }
 
@@ -116,10 +117,13 @@ void ChannelRangeDefinition::rebuildIndex()
     m_indexed.clear();
     m_indexed.reserve(m_ranges.size());
     m_channelCount = 0;
+    m_ascending = true;
     for (const auto &[key, range] : m_ranges) {
         // Ranges that share ids may sum up to more than an index can count.
         const unsigned int left = std::numeric_limits<unsigned int>::max() - m_channelCount;
         const unsigned int count = std::min(range.GetChannelCount(), left);
+        if (!m_indexed.empty() && !m_indexed.back().LiesBelow(range.GetFirstChannelId()))
+            m_ascending = false;
         m_indexed.push_back({m_channelCount, range.GetFirstChannelId(), count,
                              range.GetFirstCenterFrequency(), range.GetFrequencyStep(), key});
         m_channelCount += count;
@@ -129,10 +133,12 @@ void ChannelRangeDefinition::rebuildIndex()
 const ChannelRangeDefinition::IndexedRange *
 ChannelRangeDefinition::FindIndexedRange(unsigned int id) const
 {
-    const auto found =
-        std::find_if(m_indexed.begin(), m_indexed.end(),
-                     [id](const IndexedRange &range) { return range.HoldsChannelId(id); });
-    return found == m_indexed.end() ? nullptr : &*found;
+    const auto holds = [id](const IndexedRange &range) { return range.HoldsChannelId(id); };
+    const auto behind = [id](const IndexedRange &range) { return range.LiesBelow(id); };
+    const auto found = m_ascending
+                           ? std::partition_point(m_indexed.begin(), m_indexed.end(), behind)
+                           : std::find_if(m_indexed.begin(), m_indexed.end(), holds);
+    return found == m_indexed.end() || !holds(*found) ? nullptr : &*found;
 }
 
 const ChannelRangeDefinition::IndexedRange &

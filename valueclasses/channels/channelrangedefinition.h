@@ -50,6 +50,11 @@ public:
         {
             return id >= firstChannelId && id - firstChannelId < channelCount;
         }
+        /// Whether each of its ids is smaller than \a id.
+        bool LiesBelow(unsigned int id) const
+        {
+            return id >= firstChannelId && id - firstChannelId >= channelCount;
+        }
         unsigned int IndexOfChannelId(unsigned int id) const
         {
             return firstIndex + (id - firstChannelId);
@@ -158,6 +163,7 @@ private:
     RangeMap m_ranges;
     std::vector<IndexedRange> m_indexed; // follows m_ranges
     unsigned int m_channelCount = 0;     // follows m_ranges
+    bool m_ascending = true;             // each of m_indexed lies below the next one
 };
 
 } // namespace values
