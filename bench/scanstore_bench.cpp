@@ -2,6 +2,7 @@
 // a ring under a QReadWriteLock. Prints the ratio of the medians of one run, and counts what the
 // feeding thread allocates once the ring has gone round. Run it on an idle machine:
 //   bin/scanstore_bench
+#include "medians.h"
 #include "platform/startup/cfgcenter.h"
 #include "scanbuffer/scanbufferdatasource.h"
 #include "scanbuffer/scanbufferrepository.h"
@@ -15,7 +16,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <map>
 #include <new>
 #include <thread>
 
@@ -149,42 +149,17 @@ void storeRead(benchmark::State &state)
     run(state, target, makeScan<Y, YHandler>(std::size_t(state.range(0))));
 }
 
-/// Prints the usual lines, and remembers the medians for the table of ratios.
-class RatioReporter : public benchmark::ConsoleReporter {
-public:
-    void ReportRuns(const std::vector<Run> &runs) override
-    {
-        ConsoleReporter::ReportRuns(runs);
-        for (const Run &one : runs)
-            if (one.run_type == Run::RT_Aggregate && one.aggregate_name == "median")
-                m_medians[one.run_name.function_name + "/" + one.run_name.args] =
-                    one.GetAdjustedRealTime();
+void printRatios(const Medians &medians)
+{
+    std::printf("\n%-44s %10s %8s %8s\n", "pair/channels", "rival ns", "store", "+window");
+    for (const auto &[name, rival] : medians.all()) {
+        if (name.rfind("rival/", 0) != 0)
+            continue;
+        const std::string rest = name.substr(6);
+        std::printf("%-44s %10.0f %8.2f %8.2f\n", rest.c_str(), rival,
+                    medians.of("store/" + rest) / rival, medians.of("window/" + rest) / rival);
     }
-    void printRatios() const
-    {
-        std::printf("\n%-44s %10s %8s %8s\n", "pair/channels", "rival ns", "store", "+window");
-        for (const auto &[name, rivalTime] : m_medians) {
-            if (name.rfind("rival/", 0) != 0)
-                continue;
-            const std::string rest = name.substr(6);
-            std::printf("%-44s %10.0f %8s %8s\n", rest.c_str(), rivalTime,
-                        ratio("store/" + rest, rivalTime).c_str(),
-                        ratio("window/" + rest, rivalTime).c_str());
-        }
-    }
-
-private:
-    std::string ratio(const std::string &name, double rivalTime) const
-    {
-        const auto found = m_medians.find(name);
-        if (found == m_medians.end())
-            return "-";
-        char text[32];
-        std::snprintf(text, sizeof text, "%.2f", found->second / rivalTime);
-        return text;
-    }
-    std::map<std::string, double> m_medians;
-};
+}
 
 template <typename Y, typename YHandler>
 void registerPair()
@@ -227,8 +202,8 @@ int main(int argc, char **argv)
     SPECTREE_FOR_EACH_SAMPLE_PAIR(SPECTREE_REGISTER)
 #undef SPECTREE_REGISTER
     benchmark::Initialize(&count, arguments.data());
-    RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    reporter.printRatios();
+    Medians medians(Medians::kRealTime);
+    benchmark::RunSpecifiedBenchmarks(&medians);
+    printRatios(medians);
     return 0;
 }

@@ -2,6 +2,7 @@
 // memory against a QObject a value. Prints the ratios of the medians of one run. Run it on an idle
 // machine:
 //   bin/tree_bench
+#include "medians.h"
 #include "valueclasses/value.h"
 #include "valuetree/tree.h"
 #include "valuetree/valueitem.h"
@@ -101,29 +102,14 @@ void lookUp(benchmark::State &state, const Fixture &fixture, Lookup lookup)
     state.counters["allocs"] = double(t_allocations - before) / double(lookups);
 }
 
-/// Prints the usual lines, and remembers the medians for the table of ratios.
-class RatioReporter : public benchmark::ConsoleReporter {
-public:
-    void ReportRuns(const std::vector<Run> &runs) override
-    {
-        ConsoleReporter::ReportRuns(runs);
-        for (const Run &one : runs)
-            if (one.run_type == Run::RT_Aggregate && one.aggregate_name == "median")
-                m_medians[one.run_name.function_name] = one.GetAdjustedCPUTime();
+void printRatios(const Medians &medians)
+{
+    std::printf("\n%-32s %10s %10s %8s\n", "path lookup", "QHash ns", "tree ns", "ratio");
+    for (const auto &[name, shape] : kShapes) {
+        const double hash = medians.of("hash/" + name), tree = medians.of("tree/" + name);
+        std::printf("%-32s %10.1f %10.1f %8.2f\n", name.c_str(), hash, tree, tree / hash);
     }
-    void printRatios()
-    {
-        std::printf("\n%-32s %10s %10s %8s\n", "path lookup", "QHash ns", "tree ns", "ratio");
-        for (const auto &[name, shape] : kShapes)
-            if (m_medians.count("tree/" + name) != 0)
-                std::printf("%-32s %10.1f %10.1f %8.2f\n", name.c_str(), m_medians["hash/" + name],
-                            m_medians["tree/" + name],
-                            m_medians["tree/" + name] / m_medians["hash/" + name]);
-    }
-
-private:
-    std::map<std::string, double> m_medians;
-};
+}
 
 std::size_t heapBytes()
 {
@@ -232,9 +218,9 @@ int main(int argc, char **argv)
         });
     }
     benchmark::Initialize(&count, arguments.data());
-    RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    reporter.printRatios();
+    Medians medians(Medians::kCpuTime);
+    benchmark::RunSpecifiedBenchmarks(&medians);
+    printRatios(medians);
     printCosts();
     return 0;
 }
