@@ -108,9 +108,11 @@ void ConsumerConnectorPrivate::close()
     if (m_phase == Phase::ready && trySend(frames::Bye{}))
         m_socket->set(zmq::sockopt::linger, 100); // so that the goodbye still leaves
     m_phase = Phase::idle;
-    m_monitor.reset();
+    // First the writer of events, then their reader: without one ZeroMQ's own thread would wait
+    // for ever, with the lock that closing the writer needs.
     if (m_socket)
         zmq_socket_monitor(m_socket->handle(), nullptr, 0);
+    m_monitor.reset();
     m_socket.reset();
 }
 

@@ -89,6 +89,7 @@ void ConsumerConnectorPrivate::openMonitor()
         throw zmq::error_t();
     m_monitor.emplace(*m_context, zmq::socket_type::pair);
     m_monitor->set(zmq::sockopt::linger, 0);
+    m_monitor->set(zmq::sockopt::rcvhwm, 0); // the writer waits for a reader that is full, too
     uninterrupted([&] { m_monitor->connect(name); });
     m_monitorNotifier = watch(*m_monitor, &ConsumerConnectorPrivate::readMonitor);
 }
