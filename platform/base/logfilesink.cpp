@@ -5,7 +5,7 @@
 
 #include <QDateTime>
 
-LogFileSink::LogFileSink(const QString &path) : m_file(path)
+LogFileSink::LogFileSink(const QString &path) : m_path(path), m_file(path)
 {
     if (!m_file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered))
         throw KRException(QStringLiteral("The log file \"%1\" can't be opened: %2")
@@ -15,6 +15,20 @@ LogFileSink::LogFileSink(const QString &path) : m_file(path)
 
 bool LogFileSink::Write(const QString &module, const QString &line)
 {
+    const QString refusal = append(module, line);
+    if (refusal.isEmpty())
+        return true;
+    // Not under the lock: who takes traces may write them here.
+    if (const auto times = m_limit.due())
+        SPECTREE_TRACE(TraceWarnings,
+                       QStringLiteral("%1 lines did not go into the log file \"%2\": %3")
+                           .arg(times)
+                           .arg(m_path, refusal));
+    return false;
+}
+
+QString LogFileSink::append(const QString &module, const QString &line)
+{
     const Kelm::MutexLocker lock(m_mutex);
     const QString time = QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs);
     QByteArray bytes = m_torn ? QByteArrayLiteral("\n") : QByteArray();
@@ -22,17 +36,12 @@ bool LogFileSink::Write(const QString &module, const QString &line)
     const qint64 written = m_file.write(bytes);
     if (written == bytes.size()) {
         m_torn = false;
-        return true;
+        return {};
     }
     m_torn = m_torn || written > 0;
     ++m_lost;
     m_lastError = written < 0 ? m_file.errorString() : QStringLiteral("The line was cut");
-    if (const auto times = m_limit.due())
-        SPECTREE_TRACE(TraceWarnings,
-                       QStringLiteral("%1 lines did not go into the log file \"%2\": %3")
-                           .arg(times)
-                           .arg(m_file.fileName(), m_lastError));
-    return false;
+    return m_lastError;
 }
 
 std::uint64_t LogFileSink::GetLostCount() const

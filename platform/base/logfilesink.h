@@ -28,6 +28,10 @@ public:
     QString GetLastError() const;
 
 private:
+    /// Empty, or why the line was refused.
+    QString append(const QString &module, const QString &line);
+
+    const QString m_path;
     mutable Kelm::Mutex m_mutex;
     QFile m_file SPECTREE_GUARDED_BY(m_mutex);
     QString m_lastError SPECTREE_GUARDED_BY(m_mutex);

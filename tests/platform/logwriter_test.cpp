@@ -18,6 +18,8 @@ void keepMessage(QtMsgType, const QMessageLogContext &context, const QString &te
 {
     if (qstrcmp(context.category, "spectree.log") == 0)
         *g_messages << text;
+    else if (qstrcmp(context.category, "spectree.trace") == 0)
+        CLogWriter().Send(text); // the trace goes into the log, too
 }
 
 struct LogWriter : ::testing::Test {
@@ -84,7 +86,7 @@ TEST_F(LogWriter, KeepsALineThatTheDiskRefuses)
     writer.SetModuleName("m");
     writer.Send("kept");
     EXPECT_EQ(messages, QStringList("m: kept"));
-    EXPECT_EQ(full->GetLostCount(), 1u);
+    EXPECT_EQ(full->GetLostCount(), 2u) << "the line and its trace";
     EXPECT_EQ(full->GetLastError(), "No space left on device");
     try {
         LogFileSink(folder.filePath("none/a.log"));
