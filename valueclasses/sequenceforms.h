@@ -30,7 +30,7 @@ void forEachLine(const QString &text, Use use)
     }
 }
 
-/// Count and elements: between two fields a ";" in text only, one ";" behind the last in any mode.
+/// Count and elements: a ";" between two fields in text only. The command closes them.
 template <typename S, typename Iterator>
 void append(std::string &out, Iterator item, std::size_t count, int mode)
 {
@@ -42,19 +42,19 @@ void append(std::string &out, Iterator item, std::size_t count, int mode)
         const Element &element = *item;
         AppendField<S>(out, element, mode);
     }
-    out += ';';
 }
 
-/// Reads what append wrote and gives each element to \a use.
-template <typename S, typename Use>
-void read(const char **pos, int mode, const char *className, const char *functionName, Use use)
+/// Reads what append wrote.
+template <typename Items, typename S>
+Items read(const char **pos, int mode)
 {
+    Items items;
     for (std::size_t count = readCount(pos, mode); count > 0; --count) {
         if (isTextMode(mode))
             Kelm::readTerminator(pos, "ValueBase", "EatSemicolon");
-        use(S::FromStream(pos, mode));
+        items.push_back(S::FromStream(pos, mode));
     }
-    Kelm::readTerminator(pos, className, functionName);
+    return items;
 }
 
 } // namespace values::Sequence

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "valueclasses/commands/streamformat.h"
-#include "valueclasses/valuebase.h"
+#include "valueclasses/commands/fieldcommand.h"
 
 #include <list>
 
@@ -26,11 +25,6 @@ class SPECTREE_EXPORT ValueList : public ValueBase {
 public:
     using Element = T;
     using Format = F;
-
-    class CommandInsert;
-    class CommandErase;
-    class CommandClear;
-    class CommandSetList;
 
     static constexpr int kToEnd = -1; ///< as a position: behind the last element
 
@@ -88,14 +82,25 @@ public:
     QString GetStringValue() const override;
     ValueType GetType() const override;
     QString GetTypeName() const override;
-    /// As operator=; forgets the last list command and ends with CC_LIST_REPLACED. Neither undo nor
-    /// a command. \throws KRException for a value of another class
+    /// As operator=; forgets the last list command, records the elements and ends with
+    /// CC_LIST_REPLACED. Without undo. \throws KRException for a value of another class
     void Assign(const ValueBase &other) override;
     /// Class, name and elements.
     bool Compare(const ValueBase *other) const override;
     using ValueBase::OptimizeCommandList;
     /// Behind the clones of what was recorded: drops the list commands in front of the last Clear.
     void OptimizeCommandList(CommandList &commands) override;
+
+    /// The whole list as a field: what doesn't fit into its count follows the command as insertions
+    /// at the end.
+    class WholeForm;
+    using CommandInsert = FieldCommand<"ValueList::CommandInsert", 20, &ValueList::InsertAt,
+                                       CommandFieldOf<Kelm::Long>, CommandFieldOf<T, S>>;
+    using CommandErase =
+        FieldCommand<"ValueList::CommandErase", 21, &ValueList::Erase, CommandFieldOf<T, S>>;
+    using CommandClear = FieldCommand<"ValueList::CommandClear", 22, &ValueList::Clear>;
+    using CommandSetList = FieldCommand<"ValueList::CommandSetList", 23, &ValueList::SetList,
+                                        CommandFieldOf<std::list<T>, WholeForm>>;
 
 protected:
     std::list<T> &Items() { return m_items; }
@@ -112,6 +117,8 @@ private:
     void insert(Iterator before, Kelm::Long recordedAs, const T &value, IObserver *source);
     void erase(Iterator item, IObserver *source);
     void setItems(std::list<T> items, IObserver *source);
+    void replaceItems(std::list<T> items, IObserver *source);
+    void takeItems(std::list<T> items);
     void refill(const std::list<T> &items, IObserver *source);
     void undoToPresent();
 

@@ -1,130 +1,33 @@
 #pragma once
 
 #include "platform/base/errorhandler.h"
-#include "valueclasses/commands/valuecommands.h"
 #include "valueclasses/sequenceforms.h"
 #include "valueclasses/valuelist.h"
 
 #include <algorithm>
+#include <typeinfo>
 #include <utility>
 
 namespace values {
 
 template <typename T, typename F, typename S>
-class ValueList<T, F, S>::CommandInsert : public ValueBase::CommandOnValue {
+class ValueList<T, F, S>::WholeForm {
 public:
-    static constexpr int kId = 20;
-
-    CommandInsert(ValueBase *list, Kelm::Long position, const T &value, IObserver *source)
-        : CommandOnValue(kId, list, source), m_position(position), m_value(value)
+    static std::list<T> FromStream(const char **pos, int mode)
     {
+        return Sequence::read<std::list<T>, S>(pos, mode);
     }
-    CommandInsert(ValueBase *list, const char **pos, IObserver *source, int mode)
-        : CommandOnValue(kId, list, pos, source), m_position(readPosition(pos, mode)),
-          m_value(S::FromStream(pos, mode))
+    static void Append(std::string &out, const std::list<T> &items, int mode)
     {
-        Kelm::readTerminator(pos, "ValueList::CommandInsert", "CommandInsert");
-    }
-    void Execute() override
-    {
-        static_cast<ValueList *>(GetValue())->InsertAt(m_position, m_value, GetSource());
-    }
-    void AddCommandString(std::string &out, int mode) const override
-    {
-        write(out, m_position, m_value, mode);
-    }
-    Command *Clone() const override { return new CommandInsert(*this); }
-
-    static void write(std::string &out, Kelm::Long position, const T &value, int mode)
-    {
-        CommandOnValue(kId, nullptr, nullptr).AddCommandString(out, mode);
-        StreamFormat<Kelm::Long>::Append(out, position, mode);
-        AddSemicolon(out, mode);
-        AppendField<S>(out, value, mode);
-        out += ';';
-    }
-
-private:
-    static Kelm::Long readPosition(const char **pos, int mode)
-    {
-        const Kelm::Long position = StreamFormat<Kelm::Long>::FromStream(pos, mode);
-        EatSemicolon(pos, mode);
-        return position;
-    }
-
-    Kelm::Long m_position;
-    T m_value;
-};
-
-template <typename T, typename F, typename S>
-class ValueList<T, F, S>::CommandErase : public ValueBase::CommandOnValue {
-public:
-    static constexpr int kId = 21;
-
-    CommandErase(ValueBase *list, const T &value, IObserver *source)
-        : CommandOnValue(kId, list, source), m_value(value)
-    {
-    }
-    CommandErase(ValueBase *list, const char **pos, IObserver *source, int mode)
-        : CommandOnValue(kId, list, pos, source), m_value(S::FromStream(pos, mode))
-    {
-        Kelm::readTerminator(pos, "ValueList::CommandErase", "CommandErase");
-    }
-    void Execute() override { static_cast<ValueList *>(GetValue())->Erase(m_value, GetSource()); }
-    void AddCommandString(std::string &out, int mode) const override
-    {
-        CommandOnValue::AddCommandString(out, mode);
-        AppendField<S>(out, m_value, mode);
-        out += ';';
-    }
-    Command *Clone() const override { return new CommandErase(*this); }
-
-private:
-    T m_value;
-};
-
-template <typename T, typename F, typename S>
-class ValueList<T, F, S>::CommandClear : public ValueBase::CommandOnValue {
-public:
-    static constexpr int kId = 22;
-
-    using CommandOnValue::CommandOnValue;
-    void Execute() override { static_cast<ValueList *>(GetValue())->Clear(GetSource()); }
-    Command *Clone() const override { return new CommandClear(*this); }
-};
-
-/// What doesn't fit into one count follows as insertions at the end.
-template <typename T, typename F, typename S>
-class ValueList<T, F, S>::CommandSetList : public ValueBase::CommandOnValue {
-public:
-    static constexpr int kId = 23;
-
-    CommandSetList(ValueBase *list, std::list<T> items, IObserver *source)
-        : CommandOnValue(kId, list, source), m_items(std::move(items))
-    {
-    }
-    CommandSetList(ValueBase *list, const char **pos, IObserver *source, int mode)
-        : CommandOnValue(kId, list, pos, source)
-    {
-        Sequence::read<S>(pos, mode, "ValueList::CommandSetList", "CommandSetList",
-                          [this](T &&item) { m_items.push_back(std::move(item)); });
-    }
-    void Execute() override { static_cast<ValueList *>(GetValue())->SetList(m_items, GetSource()); }
-    void AddCommandString(std::string &out, int mode) const override { write(out, m_items, mode); }
-    Command *Clone() const override { return new CommandSetList(*this); }
-
-    static void write(std::string &out, const std::list<T> &items, int mode)
-    {
-        CommandOnValue(kId, nullptr, nullptr).AddCommandString(out, mode);
         const std::size_t count = std::min(items.size(), Sequence::kMaxCount);
         Sequence::append<S>(out, items.begin(), count, mode);
-        for (auto item = std::next(items.begin(), std::ptrdiff_t(count)); item != items.end();
-             ++item)
-            CommandInsert::write(out, kToEnd, *item, mode);
+        const auto rest = std::next(items.begin(), std::ptrdiff_t(count));
+        for (auto item = rest; item != items.end(); ++item) {
+            out += ';';
+            CommandInsert::Write(out, mode, kToEnd, *item);
+            out.pop_back(); // the last one is closed by the command
+        }
     }
-
-private:
-    std::list<T> m_items;
 };
 
 template <typename T, typename F, typename S>
@@ -230,6 +133,12 @@ void ValueList<T, F, S>::setItems(std::list<T> items, IObserver *source)
     if (IsChangeForeign())
         return PostChange([this, items = std::move(items), source] { setItems(items, source); });
     undoToPresent();
+    replaceItems(std::move(items), source);
+}
+
+template <typename T, typename F, typename S>
+void ValueList<T, F, S>::replaceItems(std::list<T> items, IObserver *source)
+{
     m_items.swap(items);
     ToBegin();
     if (Record())
@@ -246,7 +155,7 @@ void ValueList<T, F, S>::Clear(IObserver *source)
     m_items.clear();
     m_current = m_items.end();
     if (Record())
-        RecordCommand(new CommandClear(CommandClear::kId, this, source));
+        RecordCommand(new CommandClear(this, source));
     HasChanged(CC_LIST_CLEARED, source);
 }
 
@@ -336,20 +245,30 @@ QString ValueList<T, F, S>::GetTypeName() const
 template <typename T, typename F, typename S>
 void ValueList<T, F, S>::Assign(const ValueBase &other)
 {
-    ValueList::operator=(CastForAssign<ValueList>(other));
-    ToBegin();
+    const auto &list = CastForAssign<ValueList>(other);
+    ValueBase::operator=(other);
+    takeItems(list.m_items);
+}
+
+template <typename T, typename F, typename S>
+void ValueList<T, F, S>::takeItems(std::list<T> items)
+{
+    if (IsChangeForeign())
+        return PostChange([this, items = std::move(items)] { takeItems(items); });
     m_lastIndex = -1;
     m_lastItem = T{};
-    HasChanged(CC_LIST_REPLACED, nullptr);
+    replaceItems(std::move(items), nullptr);
 }
 
 template <typename T, typename F, typename S>
 bool ValueList<T, F, S>::Compare(const ValueBase *other) const
 {
-    if (other == this)
-        return true;
-    const auto *list = dynamic_cast<const ValueList *>(other);
-    return list != nullptr && list->GetName() == GetName() && list->m_items == m_items;
+    if (other == this || other == nullptr)
+        return other == this;
+    if (typeid(*other) != typeid(*this))
+        return false;
+    const auto &list = static_cast<const ValueList &>(*other);
+    return list.GetName() == GetName() && list.m_items == m_items;
 }
 
 template <typename T, typename F, typename S>
@@ -383,25 +302,16 @@ template <typename T, typename F, typename S>
 void ValueList<T, F, S>::AddObjectStateStringForTransmission(std::string &out, unsigned int mode)
 {
     ValueBase::AddObjectStateStringForTransmission(out, mode);
-    CommandSetList::write(out, m_items, int(mode));
+    CommandSetList::Write(out, int(mode), m_items);
 }
 
 template <typename T, typename F, typename S>
 Command *ValueList<T, F, S>::CreateNextCommand(int id, const char **pos, IObserver *source,
                                                int mode)
 {
-    switch (id) {
-    case CommandInsert::kId:
-        return new CommandInsert(this, pos, source, mode);
-    case CommandErase::kId:
-        return new CommandErase(this, pos, source, mode);
-    case CommandClear::kId:
-        return new CommandClear(id, this, pos, source);
-    case CommandSetList::kId:
-        return new CommandSetList(this, pos, source, mode);
-    default:
-        return ValueBase::CreateNextCommand(id, pos, source, mode);
-    }
+    Command *const own = CreateOneOf<CommandInsert, CommandErase, CommandClear, CommandSetList>(
+        id, this, pos, source, mode);
+    return own != nullptr ? own : ValueBase::CreateNextCommand(id, pos, source, mode);
 }
 
 template <typename T, typename F, typename S>

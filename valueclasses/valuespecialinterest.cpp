@@ -4,37 +4,6 @@
 
 namespace values {
 
-class ValueSpecialInterest::CommandChangeInterest : public CommandOnValue {
-public:
-    static constexpr int kId = 50;
-    using Stream = StreamFormat<SpecialInterest>;
-
-    CommandChangeInterest(ValueBase *list, SpecialInterest item, IObserver *source)
-        : CommandOnValue(kId, list, source), m_item(std::move(item))
-    {
-    }
-    CommandChangeInterest(ValueBase *list, const char **pos, IObserver *source, int mode)
-        : CommandOnValue(kId, list, pos, source), m_item(Stream::FromStream(pos, mode))
-    {
-        Kelm::readTerminator(pos, "ValueSpecialInterest::CommandChangeInterest",
-                             "CommandChangeInterest");
-    }
-    void Execute() override
-    {
-        static_cast<ValueSpecialInterest *>(GetValue())->ChangeInterest(m_item, GetSource());
-    }
-    void AddCommandString(std::string &out, int mode) const override
-    {
-        CommandOnValue::AddCommandString(out, mode);
-        Stream::Append(out, m_item, mode);
-        out += ';';
-    }
-    Command *Clone() const override { return new CommandChangeInterest(*this); }
-
-private:
-    SpecialInterest m_item;
-};
-
 QString ValueSpecialInterest::GetTypeName() const { return QStringLiteral("ValueSpecialInterest"); }
 
 void ValueSpecialInterest::ChangeInterest(const SpecialInterest &item, IObserver *source)
@@ -62,9 +31,8 @@ void ValueSpecialInterest::ChangeInterest(const SpecialInterest &item, IObserver
 Command *ValueSpecialInterest::CreateNextCommand(int id, const char **pos, IObserver *source,
                                                  int mode)
 {
-    if (id == CommandChangeInterest::kId)
-        return new CommandChangeInterest(this, pos, source, mode);
-    return ValueList::CreateNextCommand(id, pos, source, mode);
+    Command *const own = CreateOneOf<CommandChangeInterest>(id, this, pos, source, mode);
+    return own != nullptr ? own : ValueList::CreateNextCommand(id, pos, source, mode);
 }
 
 } // namespace values

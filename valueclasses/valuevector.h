@@ -1,7 +1,6 @@
 #pragma once
 
-#include "valueclasses/commands/streamformat.h"
-#include "valueclasses/valuebase.h"
+#include "valueclasses/commands/fieldcommand.h"
 
 #include <vector>
 
@@ -21,9 +20,6 @@ class SPECTREE_EXPORT ValueVector : public ValueBase {
 public:
     using Element = T;
     using Format = F;
-
-    class CommandSetValue;
-    class CommandClear;
 
     ValueVector() = default;
     explicit ValueVector(QString name, TValueState state = VS_NORMAL);
@@ -46,18 +42,26 @@ public:
     QString GetStringValue() const override;
     ValueType GetType() const override;
     QString GetTypeName() const override;
-    /// As operator=, then CC_VALUE. Neither undo nor a command. \throws KRException for a value
-    /// of another class
+    /// As operator=; records the elements and ends with CC_VALUE. Without undo. \throws
+    /// KRException for a value of another class
     void Assign(const ValueBase &other) override;
     /// Class, name and elements.
     bool Compare(const ValueBase *other) const override;
+
+    /// The whole vector as a field.
+    class WholeForm;
+    using CommandSetValue = FieldCommand<"ValueVector::CommandSetValue", 20, &ValueVector::SetValue,
+                                         CommandFieldOf<std::vector<T>, WholeForm>>;
+    using CommandClear = FieldCommand<"ValueVector::CommandClear", 22, &ValueVector::Clear>;
 
 protected:
     void AddObjectStateStringForTransmission(std::string &out, unsigned int mode) override;
     Command *CreateNextCommand(int id, const char **pos, IObserver *source, int mode) override;
 
 private:
-    void replace(std::vector<T> items, IObserver *source);
+    void readItems(std::vector<T> items, IObserver *source);
+    void replaceItems(std::vector<T> items, IObserver *source);
+    void takeItems(std::vector<T> items);
     void undoToPresent();
 
     std::vector<T> m_items;

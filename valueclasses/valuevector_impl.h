@@ -1,54 +1,25 @@
 #pragma once
 
 #include "platform/base/krexception.h"
-#include "valueclasses/commands/valuecommands.h"
 #include "valueclasses/sequenceforms.h"
 #include "valueclasses/valuevector.h"
 
+#include <typeinfo>
 #include <utility>
 
 namespace values {
 
 template <typename T, typename F, typename S>
-class ValueVector<T, F, S>::CommandSetValue : public ValueBase::CommandOnValue {
+class ValueVector<T, F, S>::WholeForm {
 public:
-    static constexpr int kId = 20;
-
-    CommandSetValue(ValueBase *vector, std::vector<T> items, IObserver *source)
-        : CommandOnValue(kId, vector, source), m_items(std::move(items))
+    static std::vector<T> FromStream(const char **pos, int mode)
     {
+        return Sequence::read<std::vector<T>, S>(pos, mode);
     }
-    CommandSetValue(ValueBase *vector, const char **pos, IObserver *source, int mode)
-        : CommandOnValue(kId, vector, pos, source)
+    static void Append(std::string &out, const std::vector<T> &items, int mode)
     {
-        Sequence::read<S>(pos, mode, "ValueVector::CommandSetValue", "CommandSetValue",
-                          [this](T &&item) { m_items.push_back(std::move(item)); });
-    }
-    void Execute() override
-    {
-        static_cast<ValueVector *>(GetValue())->SetValue(m_items, GetSource());
-    }
-    void AddCommandString(std::string &out, int mode) const override { write(out, m_items, mode); }
-    Command *Clone() const override { return new CommandSetValue(*this); }
-
-    static void write(std::string &out, const std::vector<T> &items, int mode)
-    {
-        CommandOnValue(kId, nullptr, nullptr).AddCommandString(out, mode);
         Sequence::append<S>(out, items.begin(), items.size(), mode);
     }
-
-private:
-    std::vector<T> m_items;
-};
-
-template <typename T, typename F, typename S>
-class ValueVector<T, F, S>::CommandClear : public ValueBase::CommandOnValue {
-public:
-    static constexpr int kId = 22;
-
-    using CommandOnValue::CommandOnValue;
-    void Execute() override { static_cast<ValueVector *>(GetValue())->Clear(GetSource()); }
-    Command *Clone() const override { return new CommandClear(*this); }
 };
 
 template <typename T, typename F, typename S>
@@ -72,9 +43,15 @@ void ValueVector<T, F, S>::SetValue(const std::vector<T> &items, IObserver *sour
     Detail::requireCount(items.size(), "SetValue");
     if (IsChangeForeign())
         return PostChange([this, items, source] { SetValue(items, source); });
-    std::vector<T> replaced(items);
+    std::vector<T> copy(items);
     undoToPresent();
-    m_items.swap(replaced);
+    replaceItems(std::move(copy), source);
+}
+
+template <typename T, typename F, typename S>
+void ValueVector<T, F, S>::replaceItems(std::vector<T> items, IObserver *source)
+{
+    m_items.swap(items);
     if (Record())
         RecordCommand(new CommandSetValue(this, m_items, source));
     HasChanged(CC_VALUE, source);
@@ -88,7 +65,7 @@ void ValueVector<T, F, S>::Clear(IObserver *source)
     undoToPresent();
     m_items.clear();
     if (Record())
-        RecordCommand(new CommandClear(CommandClear::kId, this, source));
+        RecordCommand(new CommandClear(this, source));
 }
 
 template <typename T, typename F, typename S>
@@ -97,14 +74,14 @@ void ValueVector<T, F, S>::SetStringValue(QString text, IObserver *source)
     std::vector<T> items;
     Sequence::forEachLine(text, [&](const QString &line) { items.push_back(F::GetValue(line)); });
     Detail::requireCount(items.size(), "SetStringValue");
-    replace(std::move(items), source);
+    readItems(std::move(items), source);
 }
 
 template <typename T, typename F, typename S>
-void ValueVector<T, F, S>::replace(std::vector<T> items, IObserver *source)
+void ValueVector<T, F, S>::readItems(std::vector<T> items, IObserver *source)
 {
     if (IsChangeForeign())
-        return PostChange([this, items = std::move(items), source] { replace(items, source); });
+        return PostChange([this, items = std::move(items), source] { readItems(items, source); });
     undoToPresent();
     m_items.swap(items);
     HasChanged(CC_VALUE, source);
@@ -134,38 +111,43 @@ QString ValueVector<T, F, S>::GetTypeName() const
 template <typename T, typename F, typename S>
 void ValueVector<T, F, S>::Assign(const ValueBase &other)
 {
-    ValueVector::operator=(CastForAssign<ValueVector>(other));
-    HasChanged(CC_VALUE, nullptr);
+    const auto &vector = CastForAssign<ValueVector>(other);
+    ValueBase::operator=(other);
+    takeItems(vector.m_items);
+}
+
+template <typename T, typename F, typename S>
+void ValueVector<T, F, S>::takeItems(std::vector<T> items)
+{
+    if (IsChangeForeign())
+        return PostChange([this, items = std::move(items)] { takeItems(items); });
+    replaceItems(std::move(items), nullptr);
 }
 
 template <typename T, typename F, typename S>
 bool ValueVector<T, F, S>::Compare(const ValueBase *other) const
 {
-    if (other == this)
-        return true;
-    const auto *vector = dynamic_cast<const ValueVector *>(other);
-    return vector != nullptr && vector->GetName() == GetName() && vector->m_items == m_items;
+    if (other == this || other == nullptr)
+        return other == this;
+    if (typeid(*other) != typeid(*this))
+        return false;
+    const auto &vector = static_cast<const ValueVector &>(*other);
+    return vector.GetName() == GetName() && vector.m_items == m_items;
 }
 
 template <typename T, typename F, typename S>
 void ValueVector<T, F, S>::AddObjectStateStringForTransmission(std::string &out, unsigned int mode)
 {
     ValueBase::AddObjectStateStringForTransmission(out, mode);
-    CommandSetValue::write(out, m_items, int(mode));
+    CommandSetValue::Write(out, int(mode), m_items);
 }
 
 template <typename T, typename F, typename S>
 Command *ValueVector<T, F, S>::CreateNextCommand(int id, const char **pos, IObserver *source,
                                                  int mode)
 {
-    switch (id) {
-    case CommandSetValue::kId:
-        return new CommandSetValue(this, pos, source, mode);
-    case CommandClear::kId:
-        return new CommandClear(id, this, pos, source);
-    default:
-        return ValueBase::CreateNextCommand(id, pos, source, mode);
-    }
+    Command *const own = CreateOneOf<CommandSetValue, CommandClear>(id, this, pos, source, mode);
+    return own != nullptr ? own : ValueBase::CreateNextCommand(id, pos, source, mode);
 }
 
 template <typename T, typename F, typename S>

@@ -67,8 +67,15 @@ void expectMadeByName(const ValueBase &value, const char *name)
     const std::unique_ptr<ValueBase> copy(factory.CloneValue(value));
     ASSERT_NE(copy, nullptr);
     EXPECT_TRUE(copy->Compare(&value));
+    Recorder recorder(*made, ModeBinary);
+    const std::unique_ptr<ValueBase> replica(factory.CreateValue(QString(name)));
     made->Assign(value);
     EXPECT_TRUE(made->Compare(&value));
+    replica->SetCommandString(recorder.recorded, nullptr, ModeBinary);
+    EXPECT_TRUE(replica->Compare(made.get())) << "what is assigned is recorded";
+    const std::unique_ptr<ValueBase> byNumber(factory.CreateValue(value.GetType()));
+    ASSERT_NE(byNumber, nullptr);
+    EXPECT_EQ(byNumber->GetType(), value.GetType());
 }
 
 template <typename List>
@@ -476,6 +483,8 @@ TEST(SpecialInterest, ChangesTheInterestOfAnElementByOneCommand)
     };
     for (const Step<List> &step : steps)
         expectStep(step, make);
+    const ValueList<SpecialInterest> plain;
+    EXPECT_FALSE(plain.Compare(make({}).get()) || make({})->Compare(&plain)) << "two classes";
 }
 
 } // namespace

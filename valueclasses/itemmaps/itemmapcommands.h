@@ -1,53 +1,42 @@
 #pragma once
 
-#include "valueclasses/commands/valuecommands.h"
+#include "platform/base/krexception.h"
+#include "valueclasses/commands/fieldcommand.h"
 #include "valueclasses/itemmaps/valueitemmapbase.h"
 
 /// The commands of an item map: uint32 key, image of the item. docs/selections.md tells their
 /// forms.
 namespace values {
 
-/// Id 20.
-template <typename T, typename F, typename A>
-class CommandMapSetAt : public ValueBase::CommandOnValue {
+/// The image of an item as the last field of a command: its ";" is the command's.
+template <typename T, typename F>
+class ItemImageForm {
 public:
-    static constexpr int kId = 20;
-    CommandMapSetAt(ValueItemMapBase<T, F, A> *map, unsigned int key, T item, IObserver *source);
-    CommandMapSetAt(ValueItemMapBase<T, F, A> *map, const char **pos, IObserver *source, int mode);
-    void Execute() override;
-    void AddCommandString(std::string &out, int mode) const override;
-    Command *Clone() const override { return new CommandMapSetAt(*this); }
-
-private:
-    unsigned int m_key;
-    T m_item;
+    static T FromStream(const char **pos, int /*mode*/)
+    {
+        T item;
+        if (!F::fromCharStream(pos, item))
+            throw KRException("Command string is not terminated with ';'", __FILE__,
+                              "CommandMapSetAt", "CommandMapSetAt", __LINE__);
+        --*pos;
+        return item;
+    }
+    static std::string ToStream(const T &item, int /*mode*/)
+    {
+        std::string image = F::toStandardString(item);
+        image.pop_back();
+        return image;
+    }
 };
 
-/// Id 21.
 template <typename T, typename F, typename A>
-class CommandMapEraseAt : public ValueBase::CommandOnValue {
-public:
-    static constexpr int kId = 21;
-    CommandMapEraseAt(ValueItemMapBase<T, F, A> *map, unsigned int key, IObserver *source);
-    CommandMapEraseAt(ValueItemMapBase<T, F, A> *map, const char **pos, IObserver *source,
-                      int mode);
-    void Execute() override;
-    void AddCommandString(std::string &out, int mode) const override;
-    Command *Clone() const override { return new CommandMapEraseAt(*this); }
-
-private:
-    unsigned int m_key;
-};
-
-/// Id 22.
+using CommandMapSetAt =
+    FieldCommand<"CommandMapSetAt", 20, &ValueItemMapBase<T, F, A>::SetAt,
+                 CommandFieldOf<unsigned int>, CommandFieldOf<T, ItemImageForm<T, F>>>;
 template <typename T, typename F, typename A>
-class CommandMapClear : public ValueBase::CommandOnValue {
-public:
-    static constexpr int kId = 22;
-    CommandMapClear(ValueItemMapBase<T, F, A> *map, IObserver *source);
-    CommandMapClear(ValueItemMapBase<T, F, A> *map, const char **pos, IObserver *source);
-    void Execute() override;
-    Command *Clone() const override { return new CommandMapClear(*this); }
-};
+using CommandMapEraseAt = FieldCommand<"CommandMapEraseAt", 21, &ValueItemMapBase<T, F, A>::EraseAt,
+                                       CommandFieldOf<unsigned int>>;
+template <typename T, typename F, typename A>
+using CommandMapClear = FieldCommand<"CommandMapClear", 22, &ValueItemMapBase<T, F, A>::Clear>;
 
 } // namespace values

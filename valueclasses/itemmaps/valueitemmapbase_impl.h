@@ -1,7 +1,7 @@
 // The bodies of valueitemmapbase.h, for the files that instantiate maps.
 #pragma once
 
-#include "valueclasses/itemmaps/itemmapcommands_impl.h"
+#include "valueclasses/itemmaps/itemmapcommands.h"
 
 #include <unordered_set>
 
@@ -238,25 +238,19 @@ void ValueItemMapBase<T, F, A>::AddObjectStateStringForTransmission(std::string 
                                                                     unsigned int mode)
 {
     ValueBase::AddObjectStateStringForTransmission(out, mode);
-    CommandMapClear<T, F, A>(this, nullptr).AddCommandString(out, int(mode));
+    CommandMapClear<T, F, A>::Write(out, int(mode));
     for (const auto &[key, item] : m_items)
-        CommandMapSetAt<T, F, A>(this, key, item, nullptr).AddCommandString(out, int(mode));
+        CommandMapSetAt<T, F, A>::Write(out, int(mode), key, item);
 }
 
 template <typename T, typename F, typename A>
 requires ItemFormat<F, T> Command *
 ValueItemMapBase<T, F, A>::CreateNextCommand(int id, const char **pos, IObserver *source, int mode)
 {
-    switch (id) {
-    case CommandMapSetAt<T, F, A>::kId:
-        return new CommandMapSetAt<T, F, A>(this, pos, source, mode);
-    case CommandMapEraseAt<T, F, A>::kId:
-        return new CommandMapEraseAt<T, F, A>(this, pos, source, mode);
-    case CommandMapClear<T, F, A>::kId:
-        return new CommandMapClear<T, F, A>(this, pos, source);
-    default:
-        return ValueBase::CreateNextCommand(id, pos, source, mode);
-    }
+    Command *const own =
+        CreateOneOf<CommandMapSetAt<T, F, A>, CommandMapEraseAt<T, F, A>, CommandMapClear<T, F, A>>(
+            id, this, pos, source, mode);
+    return own != nullptr ? own : ValueBase::CreateNextCommand(id, pos, source, mode);
 }
 
 } // namespace values
