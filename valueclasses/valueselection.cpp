@@ -39,6 +39,7 @@ void ValueSelection::copyItems(const ValueSelection &other)
     for (const auto &item : other.m_items)
         m_items.push_back(std::make_unique<SelectionItem>(*item));
     m_current = other.m_current;
+    m_changed = other.m_changed;
 }
 
 QString ValueSelection::GetTypeName() const { return QStringLiteral("ValueSelection"); }
@@ -78,6 +79,15 @@ int ValueSelection::GetItemCount() const { return int(m_items.size()); }
 SelectionItem *ValueSelection::GetItemAt(int index) const
 {
     return index >= 0 && index < int(m_items.size()) ? m_items[std::size_t(index)].get() : nullptr;
+}
+
+std::vector<SelectionItem> ValueSelection::GetItems() const
+{
+    std::vector<SelectionItem> copies;
+    copies.reserve(m_items.size());
+    for (const auto &item : m_items)
+        copies.push_back(*item);
+    return copies;
 }
 
 int ValueSelection::indexOfName(const QString &name) const

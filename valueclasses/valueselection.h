@@ -73,6 +73,10 @@ public:
     /// choice \a forward takes the first and back the last one.
     bool SelectNext(bool forward, IObserver *source);
     int GetCurrentIndex() const { return m_current; } ///< -1 without a choice
+    /// A mark for programs, such as "the user left the preset"; every change of the choice puts it
+    /// back to 0. A plain store: neither recorded nor notified.
+    int GetChanged() const { return m_changed; }
+    void SetChanged(int changed) { m_changed = changed; }
 
     // The items
     /// Items with these names; value and key are the place in the selection. One transaction.
@@ -82,6 +86,12 @@ public:
     virtual void AddItem(SelectionItem *item, IObserver *source);
     /// Appends copies of the other's items, in one transaction.
     virtual void AddItemsFrom(const ValueSelection &other, IObserver *source);
+    /// Appends the items, in one transaction; nothing for none.
+    void AppendItems(const std::vector<SelectionItem> &items, IObserver *source);
+    /// These items, and the choice of that index among them; one transaction.
+    void ReplaceItems(const std::vector<SelectionItem> &items, Kelm::Long chosen,
+                      IObserver *source);
+    std::vector<SelectionItem> GetItems() const; ///< copies
     /// Deletes the first item with the name, value and key of \a item, which may be one of this
     /// selection. The choice stays on its item; when that one goes, none is chosen.
     virtual bool DeleteItem(SelectionItem *item, IObserver *source);
@@ -121,6 +131,7 @@ private:
 
     Items m_items;
     int m_current = -1;
+    int m_changed = 0;
     mutable QHash<QString, int> m_firstByName; // empty: to be built by the next lookup
 };
 

@@ -41,6 +41,7 @@ bool ValueSelection::choose(int index, ChoiceKind kind, IObserver *source)
     if (GetUndoManager() != nullptr)
         AddUndo(new CommandSelect(this, describe(kind, m_current), m_current));
     m_current = index;
+    m_changed = 0;
     if (Record())
         RecordCommand(new CommandSelect(this, describe(kind, index), source));
     NotifyObservers(CC_VALUE, source);
@@ -142,15 +143,27 @@ void ValueSelection::AddItem(SelectionItem *item, IObserver *source)
 
 void ValueSelection::AddItemsFrom(const ValueSelection &other, IObserver *source)
 {
-    Items copies;
-    copies.reserve(other.m_items.size());
-    for (const auto &item : other.m_items)
-        copies.push_back(std::make_unique<SelectionItem>(*item));
-    if (copies.empty())
+    AppendItems(other.GetItems(), source);
+}
+
+void ValueSelection::AppendItems(const std::vector<SelectionItem> &items, IObserver *source)
+{
+    if (PostIfForeign([this, items, source] { AppendItems(items, source); }) || items.empty())
         return;
     const ValueTransaction transaction(*this, CC_ITEM_ADDED, source);
-    for (auto &copy : copies)
-        AddItem(copy.release(), source);
+    for (const SelectionItem &item : items)
+        AddItem(new SelectionItem(item), source);
+}
+
+void ValueSelection::ReplaceItems(const std::vector<SelectionItem> &items, Kelm::Long chosen,
+                                  IObserver *source)
+{
+    if (PostIfForeign([this, items, chosen, source] { ReplaceItems(items, chosen, source); }))
+        return;
+    const ValueTransaction transaction(*this, CC_LIST_REPLACED, source);
+    DeleteItems(source);
+    AppendItems(items, source);
+    SelectIndex(chosen, source);
 }
 
 void ValueSelection::insertItem(int position, std::unique_ptr<SelectionItem> item,
@@ -238,6 +251,7 @@ void ValueSelection::DeleteItems(IObserver *source)
     m_items.clear();
     m_firstByName.clear();
     m_current = -1;
+    m_changed = 0;
     if (Record())
         RecordCommand(new CommandDeleteItems(this, source));
     NotifyObservers(CC_LIST_CLEARED, source);

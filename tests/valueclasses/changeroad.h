@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <memory>
+#include <random>
 
 /// One harness for the road that every change of a value goes.
 namespace values {
@@ -106,6 +107,31 @@ inline void checkRoad(const RoadCase &c)
     EXPECT_TRUE(value->Compare(before.get()));
     replica->SetCommandString(recorder.transmitted, nullptr, ModeBinaryTagged);
     EXPECT_TRUE(replica->Compare(before.get()));
+}
+
+/// Changes a value at random, replays what it recorded, undoes all of it and replays that, too.
+/// \a change gets the value and a generator.
+template <typename Make, typename Change>
+void checkRandomLife(unsigned seeds, int changes, const Make &make, const Change &change)
+{
+    for (unsigned seed = 1; seed <= seeds; ++seed) {
+        SCOPED_TRACE(seed);
+        std::mt19937 random(seed);
+        const auto value = make(), first = make(), replica = make();
+        UndoOnce undo;
+        value->SetUndoManager(&undo);
+        Recorder recorder(*value, ModeBinaryTagged);
+        for (int i = 0; i < changes; ++i)
+            change(*value, random);
+        replica->SetCommandString(recorder.transmitted, nullptr, ModeBinaryTagged);
+        EXPECT_TRUE(*replica == *value);
+        recorder.transmitted.clear();
+        undo.undoAll();
+        EXPECT_TRUE(*value == *first);
+        replica->SetCommandString(recorder.transmitted, nullptr, ModeBinaryTagged);
+        EXPECT_TRUE(*replica == *first);
+        value->SetUndoManager(nullptr);
+    }
 }
 
 } // namespace values

@@ -1,11 +1,11 @@
 #include "platform/base/krexception.h"
 #include "valueclasses/changeroad.h"
 #include "valueclasses/selection/selectioncommands.h"
+#include "valueclasses/selection/valueselectionhelpers.h"
 #include "valueclasses/valueselection.h"
 
 #include <QCoreApplication>
 
-#include <random>
 #include <thread>
 
 namespace {
@@ -107,7 +107,9 @@ TEST(ValueSelection, KeepsTheChoiceOnItsItem)
     const auto modes = makeModes();
     EXPECT_EQ(modes->GetCurrentItem(), nullptr);
     EXPECT_EQ(modes->GetStringValue(), "");
+    modes->SetChanged(2);
     modes->SelectIndex(3, nullptr);
+    EXPECT_EQ(modes->GetChanged(), 0);
     const SelectionItem *chosen = modes->GetCurrentItem();
     modes->DeleteItem("AM", 0.5, 10, nullptr);
     EXPECT_EQ(modes->GetCurrentItem(), chosen);
@@ -254,25 +256,7 @@ void changeAtRandom(ValueSelection &value, std::mt19937 &random)
 
 TEST(ValueSelection, UndoesAndReplaysARandomLife)
 {
-    for (unsigned seed = 1; seed <= 20; ++seed) {
-        SCOPED_TRACE(seed);
-        std::mt19937 random(seed);
-        const auto value = makeModes();
-        const auto first = makeModes(), replica = makeModes();
-        UndoOnce undo;
-        value->SetUndoManager(&undo);
-        Recorder recorder(*value, ModeBinaryTagged);
-        for (int i = 0; i < 500; ++i)
-            changeAtRandom(*value, random);
-        replica->SetCommandString(recorder.transmitted, nullptr, ModeBinaryTagged);
-        EXPECT_TRUE(*replica == *value);
-        recorder.transmitted.clear();
-        undo.undoAll();
-        EXPECT_TRUE(*value == *first);
-        replica->SetCommandString(recorder.transmitted, nullptr, ModeBinaryTagged);
-        EXPECT_TRUE(*replica == *first);
-        value->SetUndoManager(nullptr);
-    }
+    checkRandomLife(20, 500, makeModes, changeAtRandom);
 }
 
 TEST(ValueSelection, CopiesWhatItHolds)
@@ -288,7 +272,9 @@ TEST(ValueSelection, CopiesWhatItHolds)
 
 TEST(ValueSelection, PostsAForeignChangeWhole)
 {
-    const auto modes = makeModes();
+    const auto modes = makeModes(), others = makeModes();
+    others->SelectIndex(1, nullptr);
+    const SelItemDesc declared(L"USB", 6, 6);
     Recorder recorder(*modes, ModeText);
     std::thread([&] {
         EXPECT_TRUE(modes->Select("FM", nullptr));
@@ -301,11 +287,14 @@ TEST(ValueSelection, PostsAForeignChangeWhole)
         modes->AddItemsFrom(*modes, nullptr);
         modes->DeleteItem("x", 4.0, 4, nullptr);
         modes->DeleteItems(nullptr);
+        ValueSelectionHelpers::ReplaceItems(*modes, *others, nullptr);
+        SelItemDesc::AddItems(&declared, 1, modes.get(), nullptr);
     }).join();
     EXPECT_TRUE(recorder.codes.empty());
     QCoreApplication::sendPostedEvents();
-    EXPECT_THAT(recorder.codes, ElementsAre(3, 3, 3, 3, 3, 5, 5, 5, 7, 8));
-    EXPECT_EQ(modes->GetItemCount(), 0);
+    EXPECT_THAT(recorder.codes, ElementsAre(3, 3, 3, 3, 3, 5, 5, 5, 7, 8, 7, 5));
+    EXPECT_THAT(names(*modes), ElementsAre("AM", "FM", "AM", "CW", "USB"));
+    EXPECT_EQ(modes->GetCurrentIndex(), 1);
 }
 
 TEST(ValueSelection, StaysUsableWithManyItems)

@@ -22,6 +22,9 @@ public:
     virtual bool SelectAt(unsigned int index, bool selected, IObserver *source) = 0;
     /// SelectAt without the rule for the last item: undo and replay repeat what was allowed then.
     virtual bool RestoreSelectedAt(unsigned int index, bool selected, IObserver *source) = 0;
+    /// Selects this item and deselects all others, in one transaction of code CC_SELECTION. False,
+    /// with nothing changed, for an unknown index.
+    virtual bool SelectOnlyAt(unsigned int index, IObserver *source) = 0;
     /// Notifies CC_SELECTION. A disabled item keeps its flag, and programs may still change it.
     virtual bool EnableAt(unsigned int index, bool enabled, IObserver *source) = 0;
     virtual bool IsSelectedAt(unsigned int index) const = 0;

@@ -26,11 +26,10 @@ SelItemDesc::SelItemDesc(QString name, double value, Kelm::Long key)
 void SelItemDesc::AddItems(const SelItemDesc *items, int count, ValueSelection *selection,
                            IObserver *source)
 {
-    if (count < 1)
-        return;
-    const ValueTransaction transaction(*selection, CC_ITEM_ADDED, source);
+    std::vector<SelectionItem> added;
     for (int i = 0; i < count; ++i)
-        selection->AddItem(items[i].m_name, items[i].m_value, items[i].m_key, source);
+        added.emplace_back(items[i].m_name, items[i].m_value, items[i].m_key);
+    selection->AppendItems(added, source);
 }
 
 } // namespace values

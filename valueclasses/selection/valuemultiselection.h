@@ -37,6 +37,7 @@ public:
 
     bool SelectAt(unsigned int index, bool selected, IObserver *source) override;
     bool RestoreSelectedAt(unsigned int index, bool selected, IObserver *source) override;
+    bool SelectOnlyAt(unsigned int index, IObserver *source) override;
     bool EnableAt(unsigned int index, bool enabled, IObserver *source) override;
     bool IsSelectedAt(unsigned int index) const override;
     bool IsEnabledAt(unsigned int index) const override;

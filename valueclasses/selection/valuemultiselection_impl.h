@@ -105,6 +105,25 @@ bool ValueMultiSelection<Item, Format, Adapter, Exclusive>::RestoreSelectedAt(un
 }
 
 template <typename Item, typename Format, typename Adapter, bool Exclusive>
+bool ValueMultiSelection<Item, Format, Adapter, Exclusive>::SelectOnlyAt(unsigned int index,
+                                                                         IObserver *source)
+{
+    if (this->PostIfForeign([this, index, source] { SelectOnlyAt(index, source); }))
+        return true;
+    const std::vector<unsigned int> before = GetSelectedIndices();
+    if (itemAt(index) == nullptr)
+        return false;
+    if (before == std::vector{index})
+        return true;
+    const ValueTransaction transaction(*this, CC_SELECTION, source);
+    SelectAt(index, true, source);
+    for (const unsigned int other : before)
+        if (other != index)
+            SelectAt(other, false, source);
+    return true;
+}
+
+template <typename Item, typename Format, typename Adapter, bool Exclusive>
 bool ValueMultiSelection<Item, Format, Adapter, Exclusive>::EnableAt(unsigned int index,
                                                                      bool enabled,
                                                                      IObserver *source)
@@ -238,10 +257,9 @@ void ValueMultiSelection<Item, Format, Adapter, Exclusive>::AddObjectStateString
     std::string &out, unsigned int mode)
 {
     Base::AddObjectStateStringForTransmission(out, mode);
-    CommandAllowEmptySelection(this, m_allowEmpty, nullptr).AddCommandString(out, int(mode));
-    CommandMapEmptyText(this, m_emptyText, nullptr).AddCommandString(out, int(mode));
-    CommandMapMultiSelectedText(this, m_multiSelectedText, nullptr)
-        .AddCommandString(out, int(mode));
+    CommandAllowEmptySelection::Write(out, int(mode), m_allowEmpty);
+    CommandMapEmptyText::Write(out, int(mode), m_emptyText);
+    CommandMapMultiSelectedText::Write(out, int(mode), m_multiSelectedText);
 }
 
 template <typename Item, typename Format, typename Adapter, bool Exclusive>

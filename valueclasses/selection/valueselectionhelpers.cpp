@@ -2,8 +2,6 @@
 
 #include "valueclasses/valueselection.h"
 
-#include <algorithm>
-
 using namespace values;
 
 QStringList ValueSelectionHelpers::GetItemNames(const ValueSelection &selection)
@@ -23,12 +21,8 @@ Kelm::Long ValueSelectionHelpers::GetCurrentKey(const ValueSelection &selection,
 void ValueSelectionHelpers::ReplaceItems(ValueSelection &selection, const ValueSelection &other,
                                          IObserver *source)
 {
-    if (&selection == &other)
-        return;
-    const ValueTransaction transaction(selection, CC_LIST_REPLACED, source);
-    selection.DeleteItems(source);
-    selection.AddItemsFrom(other, source);
-    selection.SelectIndex(other.GetCurrentIndex(), source);
+    if (&selection != &other)
+        selection.ReplaceItems(other.GetItems(), other.GetCurrentIndex(), source);
 }
 
 QStringList ValueSelectionHelpers::GetSelectedTexts(const IMultiSelection &selection)
@@ -42,16 +36,5 @@ QStringList ValueSelectionHelpers::GetSelectedTexts(const IMultiSelection &selec
 bool ValueSelectionHelpers::SelectOnly(IMultiSelection &selection, unsigned int index,
                                        IObserver *source)
 {
-    const std::vector<unsigned int> before = selection.GetSelectedIndices();
-    if (before.size() == 1 && before.front() == index)
-        return true;
-    ValueTransaction transaction(*selection.GetValueBase(), CC_SELECTION, source);
-    if (!selection.SelectAt(index, true, source)) {
-        transaction.Cancel();
-        return false;
-    }
-    for (const unsigned int other : before)
-        if (other != index)
-            selection.SelectAt(other, false, source);
-    return true;
+    return selection.SelectOnlyAt(index, source);
 }
