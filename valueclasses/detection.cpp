@@ -22,4 +22,14 @@ DetectionConventional DetectionConventional::FromStream(const char **cursor)
     return Kelm::fromCharStream<DetectionConventional>(cursor);
 }
 
+std::string FormatDetectionConventional::toStandardString(const DetectionConventional &record)
+{
+    return record.ToStream() + ';';
+}
+
+bool FormatDetectionConventional::fromCharStream(const char **cursor, DetectionConventional &record)
+{
+    return Record::readItem(cursor, record);
+}
+
 } // namespace values

@@ -11,9 +11,11 @@ namespace values {
 /// Its image is 48 bytes; the name stays behind, and equality doesn't look at it.
 class SPECTREE_EXPORT DetectionConventional {
 public:
+    static constexpr short kNoLevel = -9999;
+
     int GetID() const { return m_id; }
     void SetID(int id) { m_id = id; }
-    /// dBµV; -9999 is none.
+    /// dBµV, or kNoLevel.
     short GetLevel() const { return m_level; }
     void SetLevel(short level) { m_level = level; }
     /// Both in Hz; the lowest double is none.
@@ -57,7 +59,7 @@ private:
     static constexpr double kNone = std::numeric_limits<double>::lowest();
 
     int m_id = 0;
-    short m_level = -9999;
+    short m_level = kNoLevel;
     double m_frequency = kNone;
     double m_bandwidth = kNone;
     bool m_active = false;
@@ -72,6 +74,10 @@ class SPECTREE_EXPORT FormatDetectionConventional {
 public:
     static QString GetString(const DetectionConventional &record);
     static DetectionConventional GetValue(const QString &text);
+    /// The image and ";", as an item of a map.
+    static std::string toStandardString(const DetectionConventional &record);
+    /// False when no ";" follows the image.
+    static bool fromCharStream(const char **cursor, DetectionConventional &record);
 };
 
 } // namespace values

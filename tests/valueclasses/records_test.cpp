@@ -1,14 +1,11 @@
 // The elements of lists: their texts and their images, written out.
-#include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
 #include "valueclasses/changeroad.h"
-#include "valueclasses/kfactor.h"
+#include "valueclasses/itemmaps/iglobalformatter.h"
+#include "valueclasses/records/detectionadapters.h"
 #include "valueclasses/recordsamples.h"
 
-#include <QTemporaryDir>
 #include <gmock/gmock.h>
-
-#include <cmath>
 
 namespace {
 
@@ -151,6 +148,22 @@ TEST(Detection, Is48Bytes)
         none.ToStream());
 }
 
+/// The image, closed; without the ";" it reads, but not as an item.
+template <typename F, typename T>
+void expectItemForm(const T &record)
+{
+    const std::string item = F::toStandardString(record);
+    EXPECT_EQ(item, record.ToStream() + ';');
+    for (const std::string &bytes : {item, item.substr(0, item.size() - 1)}) {
+        const Kelm::ReadScope scope(bytes.data(), bytes.size());
+        const char *pos = bytes.data();
+        T read;
+        EXPECT_EQ(F::fromCharStream(&pos, read), bytes == item);
+        EXPECT_EQ(pos, bytes.data() + bytes.size());
+        EXPECT_EQ(read, record);
+    }
+}
+
 TEST(ExtendedDetection, ExtendsADetectionByItsFindings)
 {
     ExtendedDetectionConventional record(detection());
@@ -166,16 +179,8 @@ TEST(ExtendedDetection, ExtendsADetectionByItsFindings)
                     raw(5000.0) + raw(2.5e6) + raw(short(90)) + raw(50.0) + raw(170.0) + raw(1.5) +
                     raw(2.0) + text("AM") + text("Voice") + text("3") + text("") + text("D"));
 
-    const std::string item = FormatExtendedDetectionConventional::toStandardString(record);
-    EXPECT_EQ(item, record.ToStream() + ';');
-    for (const std::string &bytes : {item, item.substr(0, item.size() - 1)}) {
-        const Kelm::ReadScope scope(bytes.data(), bytes.size());
-        const char *pos = bytes.data();
-        ExtendedDetectionConventional read;
-        EXPECT_EQ(FormatExtendedDetectionConventional::fromCharStream(&pos, read), bytes == item);
-        EXPECT_EQ(pos, bytes.data() + bytes.size());
-        EXPECT_EQ(read, record);
-    }
+    expectItemForm<FormatExtendedDetectionConventional>(record);
+    expectItemForm<FormatDetectionConventional>(detection());
     record.init();
     EXPECT_EQ(record, ExtendedDetectionConventional(detection()));
 }
@@ -197,6 +202,71 @@ TEST(ExtendedDetection, ReadsAReportByItsBand)
     for (const auto &[text, hertz] :
          {std::pair("5 kHz", 5000.0), {"5 MHz", 5e6}, {"5 Hz", 5.0}, {"5", 5.0}, {"5 khz", 0.0}})
         EXPECT_EQ(getValueFromFreqString(text), hertz) << text;
+}
+
+struct Wording : IGlobalFormatter {
+    Wording() { Set(this); }
+    ~Wording() override { Set(nullptr); }
+    QString GetFrequencyText(double hertz) const override { return QString("f%1").arg(hertz); }
+    QString GetBandwidthText(double hertz) const override { return QString("b%1").arg(hertz); }
+    QString GetPositionText(double longitude, double latitude) const override
+    {
+        return QString("%1/%2").arg(longitude).arg(latitude);
+    }
+};
+
+TEST(ExtendedDetection, WordsItsColumns)
+{
+    ExtendedDetectionConventional record(detection()), none;
+    record.SetName("carrier");
+    record.SetFrequency(1e5);
+    record.SetStopTime(-1);
+    record.SetClassifierResultString(
+        ";;90 %;AM;Voice;50.25 Bd;170 Hz;5 kHz;2.5 MHz;1.5 s;2.5 s;3;D");
+    record.SetClassifierPrimMod("P");
+    record.SetAzimuth("10010");
+    record.SetDFQuality("1001");
+    record.SetDFLatitude("1002");
+    struct Row {
+        int column;
+        const char *text;
+    } const rows[] = {{4, "carrier"},
+                      {10, "-20 dB\u03BCV"},
+                      {18, "1970-01-01 00:00:01.000"},
+                      {19, ""},
+                      {20, "5.000 kHz"},
+                      {21, "2500.000 kHz"},
+                      {22, "90 %"},
+                      {23, "AM"},
+                      {24, "P"},
+                      {25, "2"},
+                      {26, "Voice"},
+                      {28, "50.25 Bd"},
+                      {29, "170 Hz"},
+                      {30, "1.5 s"},
+                      {31, "2.5 s"},
+                      {32, "3"},
+                      {33, "D"},
+                      {34, "10010"},
+                      {35, "Invalid DF result"},
+                      {36, "Locate timeout"},
+                      {2, ""},
+                      {99, ""}};
+    for (const Row &row : rows) {
+        EXPECT_EQ(ExtendedDetConAdapter::GetText4Column(row.column, record), row.text)
+            << row.column;
+        EXPECT_EQ(ExtendedDetConAdapter::GetText4Column(row.column, none), "") << row.column;
+    }
+    EXPECT_EQ(ExtendedDetConAdapter::GetColumnText(record, 35, 7), "Invalid");
+    EXPECT_EQ(ExtendedDetConAdapter::GetFreqStringVUHF(record), "0.005000 MHz");
+    record.SetDFLatitude("48.5");
+    record.SetDFLongitude("11");
+    for (const int column : {0, 1, 6, 36})
+        EXPECT_EQ(ExtendedDetConAdapter::GetText4Column(column, record), "") << "without wording";
+    const Wording wording;
+    EXPECT_EQ(ExtendedDetConAdapter::GetText4Column(0, none), "");
+    for (const Row &row : {Row{0, "f100000"}, {6, "f100000"}, {1, "b2400"}, {36, "11/48.5"}})
+        EXPECT_EQ(ExtendedDetConAdapter::GetText4Column(row.column, record), row.text);
 }
 
 template <typename F>
@@ -258,80 +328,6 @@ TEST(Records, RefuseImagesThatEndTooEarlyOrCountTooMuch)
     EXPECT_THROW(Kelm::fromCharStream<BaseStation>(&pos), KRException);
 }
 
-KFactor curve()
-{
-    KFactor curve;
-    curve.SetDescription("Loop");
-    curve.Set({{2e6, 4, 1}, {1e6, 2, 1}, {2e6, 3, -1}});
-    curve.SetMaxOffset(0.5);
-    return curve;
-}
-
-TEST(KFactors, KeepOnePointAFrequency)
-{
-    KFactor each = curve();
-    EXPECT_EQ(each.GetList(), (std::vector<KF>{{1e6, 2, 1}, {2e6, 4, -1}}));
-    each.Add(2e6, 3, 0);
-    EXPECT_EQ(each, curve()) << "nothing larger, nothing smaller";
-    for (const auto &[frequency, useMax, expected] : {std::tuple(0.9e6, true, 0.0),
-                                                      {1e6, false, 2.0},
-                                                      {1.5e6, true, 3.0},
-                                                      {1.5e6, false, 0.0},
-                                                      {2.1e6, true, 0.0}})
-        EXPECT_EQ(each.GetKFactor4Frequency(frequency, nullptr, useMax), expected) << frequency;
-    EXPECT_EQ(each.GetMidValue(), 3.0);
-    EXPECT_THAT(each.GetBasePoints(1e6, 3e6), ::testing::ElementsAre(2e6));
-    each.Add(3e6, 1);
-    EXPECT_EQ(each.GetMaxOffset(), 0.0) << "a new point drops the offsets";
-    EXPECT_THROW(each.Add(std::nan(""), 1), KRException);
-    EXPECT_THROW(each.fromVector({1, 2, 3}, false), KRException);
-    EXPECT_EQ(each.toVector(true).size(), 9U);
-    EXPECT_EQ(each.toVector().size(), 6U);
-    EXPECT_FALSE(KFactor().valid());
-}
-
-TEST(KFactors, AreSavedWithTheirOffsetsAndLoseMinima)
-{
-    const QTemporaryDir folder;
-    const QString name = folder.filePath("loop.csv");
-    KFactor each = curve();
-    ASSERT_EQ(each.SaveToFile(name), 0);
-    EXPECT_EQ(each.GetFileName(), name);
-    EXPECT_EQ(each.GetMaxOffset(), 0.0);
-    KFactor loaded;
-    EXPECT_EQ(loaded.LoadFromFile(name), 0);
-    EXPECT_EQ(loaded.toVector(), (std::vector<double>{1e6, 2e6, 2.5, 4.5}));
-    EXPECT_EQ(loaded.GetTransducerName(), "LimitLine");
-    EXPECT_EQ(FormatKFactor::GetString(each),
-              "Transducer Name;LimitLine\nDescription;LimitTine\nUnit;dBuV\n"
-              "1;1.000000;2.50\n2;2.000000;4.50\n");
-    each.SetUseMin(true);
-    EXPECT_TRUE(
-        FormatKFactor::GetString(each).contains("MinMax\nUnit;dBuV\n1;1.000000;2.50;1.00\n"));
-    EXPECT_FALSE(FormatKFactor::GetValue(FormatKFactor::GetString(each)).valid());
-    EXPECT_TRUE(FormatKFactor::GetValue("1;abc;3\n1;nan;3\n\n1;1;1").GetList().empty());
-    ErrorHandler::Instance().SetTraceMask(0);
-    EXPECT_EQ(loaded.LoadFromFile(folder.filePath("none")), -1);
-    EXPECT_EQ(loaded.SaveToFile(folder.filePath("no/folder")), -1);
-    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
-    EXPECT_EQ(loaded.GetList().size(), 2U);
-}
-
-TEST(KFactors, WriteTheirImage)
-{
-    const std::string image = "\x04\0\0\0L\0o\0o\0p\0"s + raw(0.5) + raw(0.0) + raw(1) + "\0\0"s +
-                              raw(6) + raw(1e6) + raw(2e6) + raw(2.0) + raw(4.0) + raw(1.0) +
-                              raw(-1.0) + ';';
-    EXPECT_EQ(form(curve(), 0), image);
-    for (const int mode : {-1, 0})
-        expectReadsForm(curve(), mode);
-    for (std::size_t size = 0; size < image.size(); ++size) {
-        const char *pos = image.data();
-        const Kelm::ReadScope scope(pos, size);
-        EXPECT_THROW(Kelm::fromCharStream<KFactor>(&pos), KRException) << size;
-    }
-}
-
 TEST(Records, AreValuesOfTheirOwnToo)
 {
     checkRoad({.name = "bearing",
@@ -340,14 +336,6 @@ TEST(Records, AreValuesOfTheirOwnToo)
                    [](ValueBase &value) {
                        static_cast<Value<BearingResult> &>(value).SetValue(sample<BearingResult>(1),
                                                                            nullptr);
-                   },
-               .codes = {CC_VALUE},
-               .text = {}});
-    checkRoad({.name = "curve",
-               .make = [] { return std::make_unique<Value<KFactor>>(); },
-               .set =
-                   [](ValueBase &value) {
-                       static_cast<Value<KFactor> &>(value).SetValue(curve(), nullptr);
                    },
                .codes = {CC_VALUE},
                .text = {}});

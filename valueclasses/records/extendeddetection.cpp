@@ -109,11 +109,7 @@ FormatExtendedDetectionConventional::toStandardString(const ExtendedDetectionCon
 bool FormatExtendedDetectionConventional::fromCharStream(const char **cursor,
                                                          ExtendedDetectionConventional &record)
 {
-    record = ExtendedDetectionConventional::FromStream(cursor);
-    if (Kelm::bytesLeft(*cursor) == 0 || **cursor != ';')
-        return false;
-    ++*cursor;
-    return true;
+    return Record::readItem(cursor, record);
 }
 
 } // namespace values

@@ -174,6 +174,17 @@ T fromImage(const char **cursor)
     return record;
 }
 
+/// An image and its ";"; false where that is missing.
+template <typename T>
+bool readItem(const char **cursor, T &record)
+{
+    record = fromImage<T>(cursor);
+    if (Kelm::bytesLeft(*cursor) == 0 || **cursor != ';')
+        return false;
+    ++*cursor;
+    return true;
+}
+
 } // namespace values::Record
 
 /// Defines the image forms of a record.
