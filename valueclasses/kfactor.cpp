@@ -1,50 +1,36 @@
+// The points of a curve, and what is computed of them.
 #include "valueclasses/kfactor.h"
 
-#include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
-#include "valueclasses/records/recordforms_p.h"
 #include "valueclasses/value_impl.h"
-
-#include <QFile>
-#include <QSaveFile>
 
 #include <algorithm>
 #include <cmath>
-
-SPECTREE_DEFINE_RECORD_IMAGE(values::KF)
 
 namespace values {
 
 namespace {
 
-constexpr double kHzPerMHz = 1000000.0;
-constexpr qint64 kLongestLine = 65536; // bytes; a file without line feeds isn't taken whole
-
 bool isBelow(const KF &left, const KF &right) { return left.frequency < right.frequency; }
+
+bool isFinite(const KF &point)
+{
+    return std::isfinite(point.frequency) && std::isfinite(point.value) &&
+           std::isfinite(point.minimum);
+}
 
 void requireNumbers(const std::vector<KF> &points, const char *functionName)
 {
-    const auto isNan = [](const KF &point) { return std::isnan(point.frequency); };
-    if (std::any_of(points.begin(), points.end(), isNan))
-        throw KRException(QStringLiteral("The frequency of a point is not a number"), __FILE__,
+    if (!std::all_of(points.begin(), points.end(), isFinite))
+        throw KRException(QStringLiteral("A number of a point of a curve is not finite"), __FILE__,
                           "KFactor", functionName, __LINE__);
 }
 
-/// Sorts, and leaves one point a frequency.
-void mergePoints(std::vector<KF> &points)
+bool hasMinimum(const KF &point) { return point.minimum != KF::kNoMinimum; }
+
+bool isZero(const KF &point)
 {
-    std::stable_sort(points.begin(), points.end(), isBelow);
-    std::size_t kept = 0;
-    for (std::size_t i = 1; i < points.size(); ++i) {
-        KF &last = points[kept];
-        if (last.frequency != points[i].frequency) {
-            points[++kept] = points[i];
-            continue;
-        }
-        last.value = std::max(last.value, points[i].value);
-        last.minimum = std::min(last.minimum, points[i].minimum);
-    }
-    points.resize(std::min(points.size(), kept + 1));
+    return point.value == 0.0 && (point.minimum == 0.0 || !hasMinimum(point));
 }
 
 } // namespace
@@ -58,6 +44,19 @@ bool KFactor::operator==(const KFactor &other) const
     return held(*this) == held(other);
 }
 
+bool KFactor::IsSame(const KFactor &other) const
+{
+    return *this == other && m_transducerName == other.m_transducerName &&
+           m_fileName == other.m_fileName && m_reducedIsCurrent == other.m_reducedIsCurrent &&
+           m_reduced == other.m_reduced && m_reducedChangeIndex == other.m_reducedChangeIndex;
+}
+
+void KFactor::resetState()
+{
+    m_maxOffset = m_minOffset = 0.0;
+    Reduce(1);
+}
+
 void KFactor::Add(double frequency, double value, double minimum)
 {
     Add(KF{frequency, value, minimum});
@@ -66,25 +65,99 @@ void KFactor::Add(double frequency, double value, double minimum)
 void KFactor::Add(const std::vector<KF> &points)
 {
     requireNumbers(points, "Add");
-    std::vector<KF> merged = m_points;
-    merged.insert(merged.end(), points.begin(), points.end());
-    mergePoints(merged);
-    if (merged == m_points)
+    AddInternal(points);
+}
+
+void KFactor::AddInternal(const std::vector<KF> &points)
+{
+    const std::vector<KF> before = m_points;
+    m_points.insert(m_points.end(), points.begin(), points.end());
+    Unique();
+    if (m_points == before)
         return;
     m_fileName.clear();
-    if (merged.size() != m_points.size()) {
-        m_maxOffset = m_minOffset = 0.0;
-        m_reducedFrame = 1;
+    if (m_points.size() != before.size())
+        resetState();
+    else if (m_reducedIsCurrent)
+        Reduce(m_reducedFrame);
+}
+
+void KFactor::Unique()
+{
+    std::stable_sort(m_points.begin(), m_points.end(), isBelow);
+    std::size_t kept = 0;
+    for (std::size_t i = 1; i < m_points.size(); ++i) {
+        KF &last = m_points[kept];
+        if (last.frequency != m_points[i].frequency) {
+            m_points[++kept] = m_points[i];
+            continue;
+        }
+        last.value = std::max(last.value, m_points[i].value);
+        last.minimum = std::min(last.minimum, m_points[i].minimum);
     }
-    m_points = std::move(merged);
+    m_points.resize(std::min(m_points.size(), kept + 1));
+    resetCalculatedCurves();
 }
 
 void KFactor::Set(const std::vector<KF> &points)
 {
     requireNumbers(points, "Set");
+    const std::vector<KF> copy = points; // perhaps the own ones
     m_points.clear();
     m_fileName.clear();
-    Add(points);
+    Reduce(m_reducedFrame);
+    AddInternal(copy);
+}
+
+bool KFactor::InsertAt(double frequency)
+{
+    const KF inserted{frequency, GetKFactor4Frequency(frequency), 0.0};
+    requireNumbers({inserted}, "InsertAt");
+    const auto above = std::lower_bound(m_points.begin(), m_points.end(), inserted, isBelow);
+    if (above != m_points.end() && above->frequency == frequency)
+        return false;
+    const bool isBetween = above != m_points.begin() && above != m_points.end();
+    const bool hasBoth = isBetween && hasMinimum(*above) && hasMinimum(*(above - 1));
+    Add(frequency, inserted.value,
+        hasBoth ? GetKFactor4Frequency(frequency, nullptr, false) : KF::kNoMinimum);
+    return true;
+}
+
+void KFactor::Trim()
+{
+    auto begin = m_points.begin(), end = m_points.end();
+    while (end - begin > 1 && isZero(begin[0]) && isZero(begin[1]))
+        ++begin;
+    while (end - begin > 1 && isZero(end[-1]) && isZero(end[-2]))
+        --end;
+    if (std::size_t(end - begin) == m_points.size())
+        return;
+    m_points = std::vector<KF>(begin, end);
+    m_fileName.clear();
+    resetState();
+}
+
+double KFactor::NextFrequency(double frequency) const
+{
+    const auto next =
+        std::upper_bound(m_points.begin(), m_points.end(), KF{frequency, 0.0, 0.0}, isBelow);
+    return next != m_points.end() ? next->frequency : 0.0;
+}
+
+KFactor::Range KFactor::GetYRange() const
+{
+    if (m_points.empty())
+        return {0.0, 0.0};
+    Range range{m_points.front().value + m_maxOffset, m_points.front().value + m_maxOffset};
+    const auto widen = [&range](double value) {
+        range = {std::min(range.first, value), std::max(range.second, value)};
+    };
+    for (const KF &point : m_points) {
+        widen(point.value + m_maxOffset);
+        if (m_useMin && hasMinimum(point))
+            widen(point.minimum + m_minOffset);
+    }
+    return range;
 }
 
 std::set<double> KFactor::GetBasePoints(double from, double to) const
@@ -126,170 +199,42 @@ double KFactor::GetMidValue() const
     return sum / (MaxFrequency() - MinFrequency()) * 0.5;
 }
 
-void KFactor::readLine(const QString &line, std::vector<KF> &points)
+void KFactor::combine(const KFactor &other, double sign, const char *joint)
 {
-    const QStringList fields = line.split(QLatin1Char(';'));
-    if (fields.size() == 2) {
-        if (fields[0] == QLatin1String("Transducer Name"))
-            m_transducerName = fields[1];
-        else if (fields[0] == QLatin1String("Description"))
-            m_description = fields[1];
+    if (!valid()) {
+        if (other.valid())
+            *this = other;
         return;
     }
-    if (fields.size() != 3)
+    if (!other.valid())
         return;
-    bool hasFrequency = false, hasValue = false;
-    const double frequency = fields[1].toDouble(&hasFrequency) * kHzPerMHz;
-    const double value = fields[2].toDouble(&hasValue);
-    if (hasFrequency && hasValue && !std::isnan(frequency))
-        points.push_back({frequency, value, KF::kNoMinimum});
+    std::vector<KF> combined = m_points;
+    for (KF &point : combined)
+        point.value += sign * other.GetKFactor4Frequency(point.frequency);
+    for (const KF &point : other.m_points)
+        if (!std::binary_search(m_points.begin(), m_points.end(), point, isBelow))
+            combined.push_back(
+                {point.frequency, GetKFactor4Frequency(point.frequency) + sign * point.value});
+    requireNumbers(combined, "combine");
+    m_transducerName += QLatin1String(joint) + other.m_transducerName;
+    m_description += QLatin1String(joint) + other.m_description;
+    m_fileName.clear();
+    m_points = std::move(combined);
+    Unique();
+    resetState();
 }
 
-int KFactor::LoadFromFile(const QString &fileName)
+KFactor &KFactor::operator+=(const KFactor &other)
 {
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly)) {
-        SPECTREE_TRACE(TraceWarnings, QStringLiteral("File open failed!"));
-        return -1;
-    }
-    std::vector<KF> points;
-    while (!file.atEnd()) {
-        const QString line = QString::fromUtf8(file.readLine(kLongestLine)).trimmed();
-        if (line.isEmpty())
-            break;
-        readLine(line, points);
-    }
-    Set(points);
-    return 0;
+    combine(other, 1.0, " + ");
+    return *this;
 }
 
-bool KFactor::LoadFromCSVString(const QString &text)
+KFactor &KFactor::operator-=(const KFactor &other)
 {
-    std::vector<KF> points;
-    for (int begin = 0; begin < text.size();) {
-        const int end = text.indexOf(QLatin1Char('\n'), begin);
-        const QString line = text.mid(begin, end < 0 ? -1 : end - begin).trimmed();
-        if (line.isEmpty() || end < 0)
-            begin = text.size();
-        else
-            begin = end + 1;
-        readLine(line, points);
-    }
-    Set(points);
-    return true;
+    combine(other, -1.0, " - ");
+    return *this;
 }
-
-QString KFactor::ToCSVString() const
-{
-    QString text = QStringLiteral("Transducer Name;LimitLine\nDescription;LimitTine");
-    text += m_useMin ? QStringLiteral(" MinMax\n") : QStringLiteral("\n");
-    text += QStringLiteral("Unit;dBuV\n");
-    int number = 0;
-    for (const KF &point : m_points) {
-        text += QStringLiteral("%1;%2;%3")
-                    .arg(++number)
-                    .arg(point.frequency / kHzPerMHz, 0, 'f', 6)
-                    .arg(point.value + m_maxOffset, 0, 'f', 2);
-        if (m_useMin)
-            text += QStringLiteral(";%1").arg(point.minimum + m_minOffset, 0, 'f', 2);
-        text += QLatin1Char('\n');
-    }
-    return text;
-}
-
-int KFactor::SaveToFile(const QString &fileName)
-{
-    QSaveFile file(fileName);
-    const bool isOpen = file.open(QIODevice::WriteOnly);
-    const QByteArray text = ToCSVString().toUtf8();
-    if (!isOpen || file.write(text) != text.size() || !file.commit()) {
-        SPECTREE_TRACE(TraceWarnings, QStringLiteral("File open failed!"));
-        return -1;
-    }
-    for (KF &point : m_points) {
-        point.value += m_maxOffset;
-        if (point.minimum != KF::kNoMinimum)
-            point.minimum += m_minOffset;
-    }
-    m_maxOffset = m_minOffset = 0.0;
-    m_fileName = fileName;
-    return 0;
-}
-
-std::vector<double> KFactor::toVector(bool withMin) const
-{
-    std::vector<double> data;
-    data.reserve(m_points.size() * (withMin ? 3 : 2));
-    for (const KF &point : m_points)
-        data.push_back(point.frequency);
-    for (const KF &point : m_points)
-        data.push_back(point.value);
-    for (std::size_t i = 0; withMin && i < m_points.size(); ++i)
-        data.push_back(m_points[i].minimum);
-    return data;
-}
-
-void KFactor::fromVector(const std::vector<double> &data, bool withMin)
-{
-    const std::size_t parts = withMin ? 3 : 2, count = data.size() / parts;
-    if (data.size() != count * parts)
-        throw KRException(QStringLiteral("A curve of %1 numbers is not whole").arg(data.size()),
-                          __FILE__, "KFactor", "fromVector", __LINE__);
-    std::vector<KF> points(count);
-    for (std::size_t i = 0; i < count; ++i)
-        points[i] = {data[i], data[count + i], withMin ? data[2 * count + i] : KF::kNoMinimum};
-    Set(points);
-}
-
-QString FormatKFactor::GetString(const KFactor &curve) { return curve.ToCSVString(); }
-
-KFactor FormatKFactor::GetValue(const QString &text)
-{
-    KFactor curve;
-    curve.LoadFromCSVString(text);
-    return curve;
-}
-
-} // namespace values
-
-template <>
-std::string Kelm::toStandardString<values::KFactor>(const values::KFactor &curve)
-{
-    using values::Record::appendField;
-    std::string image;
-    appendField(image, curve.m_description);
-    appendField(image, curve.m_maxOffset);
-    appendField(image, curve.m_minOffset);
-    appendField(image, curve.m_reducedFrame);
-    appendField(image, curve.m_useMin);
-    appendField(image, curve.m_useSmooth);
-    appendField(image, curve.toVector(true));
-    return image + ';';
-}
-
-template <>
-values::KFactor Kelm::fromCharStream<values::KFactor>(const char **cursor)
-{
-    using values::Record::readField;
-    values::KFactor curve, read;
-    std::vector<double> points;
-    readField(cursor, read.m_description);
-    readField(cursor, read.m_maxOffset);
-    readField(cursor, read.m_minOffset);
-    readField(cursor, read.m_reducedFrame);
-    readField(cursor, read.m_useMin);
-    readField(cursor, read.m_useSmooth);
-    readField(cursor, points);
-    if (bytesLeft(*cursor) == 0 || **cursor != ';')
-        throw KRException("Command string is not terminated with ';'", "valueclasses/kfactorvalue",
-                          "Kelm", "fromCharStream<FKactor>", __LINE__);
-    ++*cursor;
-    curve.fromVector(points, true);
-    read.m_points = curve.m_points;
-    return read;
-}
-
-namespace values {
 
 template class CommandSetValue<KFactor>;
 template class Value<KFactor>;

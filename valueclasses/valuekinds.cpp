@@ -1,6 +1,6 @@
 // The kinds of values that the factory knows, family by family.
 #include "valueclasses/fastvaluemap.h"
-#include "valueclasses/kfactor.h"
+#include "valueclasses/kfactorvalue.h"
 #include "valueclasses/selection/valuemultiselection.h"
 #include "valueclasses/value.h"
 #include "valueclasses/valuebuffer.h"
@@ -42,7 +42,8 @@ void registerSequenceKinds(ValueKinds &kinds)
     SPECTREE_FOR_EACH_VECTOR_KIND(SPECTREE_ADD)
 #undef SPECTREE_ADD
     kinds.Add<Value<BearingResult>>();
-    kinds.Add<Value<KFactor>>();
+    kinds.Add<ValueKFactor>();
+    kinds.Add<KFactorPure>();
 }
 
 void registerSelectionKinds(ValueKinds &kinds)

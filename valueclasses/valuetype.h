@@ -63,6 +63,7 @@ enum ValueType : int {
     VTYPE_FastValueMapDFSpectrumSample = 126,
 
     VTYPE_ValueBearingResult = 32,
+    VTYPE_ValueKFactor = 73,
 
     VTYPE_ValueBoolList = 20,
     VTYPE_ValueIntList = 21,

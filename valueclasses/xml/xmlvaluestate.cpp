@@ -3,6 +3,7 @@
 #include "platform/base/krexception.h"
 #include "valueclasses/commands/valuecommands.h"
 #include "valueclasses/itreeitem.h"
+#include "valueclasses/kfactorvalue.h"
 #include "valueclasses/valuefactory.h"
 #include "valueclasses/valuenumericwithoffset.h"
 #include "valueclasses/xml/xmltext.h"
@@ -27,6 +28,12 @@ void readOffset(ValueBase &value, const XmlText &offset)
             number->SetOffset(XmlTextForms::NumberOf(offset), nullptr);
 }
 
+void readTransducer(ValueBase &value, const XmlText &name)
+{
+    if (auto *const curve = dynamic_cast<ValueKFactor *>(&value))
+        curve->SetTransducerName(XmlTextForms::TextOf(name), nullptr);
+}
+
 } // namespace
 
 void XmlValueState::Write(ValueBase &value, XmlFieldSink &sink) const
@@ -36,6 +43,10 @@ void XmlValueState::Write(ValueBase &value, XmlFieldSink &sink) const
         const double offset = number->GetOffset();
         const std::string text = StreamFormat<double>::ToStream(offset, ModeText);
         sink.Text(u"Offset", QString::fromStdString(text), XmlTextForms::ExactNumber(offset, text));
+    }
+    if (const auto *const curve = dynamic_cast<const ValueKFactor *>(&value)) {
+        const QString &name = curve->GetTransducerName();
+        sink.Text(u"Transducer", name, XmlTextForms::ExactText(name));
     }
     WriteState(value, sink);
 }
@@ -48,6 +59,7 @@ void XmlValueState::Check(ValueBase &value, const XmlFields &fields) const
         fail(value, QStringLiteral("the element \"State\" is missing"));
     try {
         XmlTextForms::NumberOf(fields.Find(u"Offset"));
+        XmlTextForms::TextOf(fields.Find(u"Transducer"));
     } catch (const KRException &error) {
         fail(value, error.GetReason());
     }
@@ -60,6 +72,8 @@ void XmlValueState::Read(ValueBase &value, const XmlFields &fields) const
     readOffset(value, fields.Find(u"Offset"));
     if (!fields.IsTargetGone())
         ReadState(value, fields.Find(u"State"), fields);
+    if (!fields.IsTargetGone())
+        readTransducer(value, fields.Find(u"Transducer"));
 }
 
 void XmlValueState::WriteState(ValueBase &value, XmlFieldSink &sink)

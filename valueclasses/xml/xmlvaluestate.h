@@ -5,7 +5,8 @@
 namespace values {
 
 /// The handler of every kind that has none of its own: the element "State" holds the base64 of the
-/// object state in mode -2, which loses nothing. Numbers with an offset have "Offset" before it.
+/// object state in mode -2, which loses nothing. Numbers with an offset have "Offset" before it,
+/// curves over frequency "Transducer", which their state doesn't hold.
 class SPECTREE_EXPORT XmlValueState : public XmlValueBase {
 public:
     void Write(ValueBase &value, XmlFieldSink &sink) const override;

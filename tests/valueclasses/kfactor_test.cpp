@@ -1,0 +1,346 @@
+// Curves over frequency: points, lines, forms, and their value in the tree.
+#include "platform/axis/axisdefinition.h"
+#include "platform/base/errorhandler.h"
+#include "platform/base/krexception.h"
+#include "valueclasses/changeroad.h"
+#include "valueclasses/kfactorvalue.h"
+#include "valueclasses/valuefactory.h"
+#include "valueclasses/xml/xmlvaluebase.h"
+#include "valueclasses/xmlvaluefactory.h"
+
+#include <QCoreApplication>
+#include <QTemporaryDir>
+
+#include <cmath>
+#include <thread>
+
+namespace {
+
+using namespace values;
+using namespace std::string_literals;
+using ::testing::ElementsAre;
+using Points = std::vector<KF>;
+constexpr double kNone = KF::kNoMinimum;
+
+KFactor curve()
+{
+    KFactor curve;
+    curve.SetDescription("Loop");
+    curve.Set({{2e6, 4, 1}, {1e6, 2, 1}, {2e6, 3, -1}});
+    curve.SetMaxOffset(0.5);
+    return curve;
+}
+
+KFactor curveOf(const Points &points)
+{
+    KFactor curve;
+    curve.Set(points);
+    return curve;
+}
+
+TEST(KFactors, KeepOnePointAFrequency)
+{
+    KFactor each = curve();
+    EXPECT_EQ(each.GetList(), (Points{{1e6, 2, 1}, {2e6, 4, -1}}));
+    each.Add(2e6, 3, 0);
+    EXPECT_EQ(each, curve()) << "nothing larger, nothing smaller";
+    for (const auto &[frequency, useMax, expected] : {std::tuple(0.9e6, true, 0.0),
+                                                      {1e6, false, 2.0},
+                                                      {1.5e6, true, 3.0},
+                                                      {1.5e6, false, 0.0},
+                                                      {2.1e6, true, 0.0}})
+        EXPECT_EQ(each.GetKFactor4Frequency(frequency, nullptr, useMax), expected) << frequency;
+    EXPECT_EQ(each.GetMidValue(), 3.0);
+    EXPECT_THAT(each.GetBasePoints(1e6, 3e6), ElementsAre(2e6));
+    EXPECT_EQ(each.NextFrequency(1e6), 2e6);
+    EXPECT_EQ(each.NextFrequency(2e6), 0.0);
+    EXPECT_EQ(each.GetYRange(), KFactor::Range(2.5, 4.5));
+    each.SetUseMin(true);
+    EXPECT_EQ(each.GetYRange(), KFactor::Range(-1, 4.5));
+    EXPECT_TRUE(each.InsertAt(1.5e6));
+    EXPECT_FALSE(each.InsertAt(1.5e6));
+    EXPECT_EQ(each.GetList()[1], (KF{1.5e6, 3, 0}));
+    EXPECT_EQ(each.GetMaxOffset(), 0.0) << "a new point drops the offsets";
+    for (const KF &broken : {KF{NAN, 1}, KF{1, INFINITY}, KF{1, 1, NAN}})
+        EXPECT_THROW(each.Add(broken), KRException);
+    EXPECT_THROW(each.fromVector({1, 2, 3}, false), KRException);
+    EXPECT_EQ(each.toVector(true, false).size(), 9U);
+    each.Set(each.GetList());
+    EXPECT_EQ(each.GetList().size(), 3U) << "set to what it holds";
+    each = curveOf({{1, 0, kNone}, {2, 0, kNone}, {3, 1, kNone}, {4, 0, kNone}, {5, 0, 2}});
+    each.Trim();
+    EXPECT_EQ(each.GetXRange(), KFactor::Range(2, 5));
+    EXPECT_FALSE(KFactor().valid() || curveOf({{1, 1, kNone}}).valid());
+}
+
+TEST(KFactors, AreAddedAndSubtracted)
+{
+    const KFactor empty, point = curveOf({{1, 1, kNone}});
+    const KFactor low = curveOf({{1, 1, -1}, {3, 3, -3}}), high = curveOf({{2, 10, 0}, {4, 30, 0}});
+    struct Row {
+        const char *name;
+        KFactor left, right;
+        Points sum, difference;
+    } const rows[] = {
+        {"none", empty, point, {}, {}},
+        {"the other one", point, high, high.GetList(), high.GetList()},
+        {"nothing to add", low, point, low.GetList(), low.GetList()},
+        {"overlapping",
+         low,
+         high,
+         {{1, 1, -1}, {2, 12, kNone}, {3, 23, -3}, {4, 30, kNone}},
+         {{1, 1, -1}, {2, -8, kNone}, {3, -17, -3}, {4, -30, kNone}}},
+        {"itself", low, low, {{1, 2, -1}, {3, 6, -3}}, {{1, 0, -1}, {3, 0, -3}}},
+    };
+    for (const Row &row : rows) {
+        SCOPED_TRACE(row.name);
+        KFactor sum = row.left, difference = row.left;
+        sum += row.right;
+        difference -= row.right;
+        EXPECT_EQ(sum.GetList(), row.sum);
+        EXPECT_EQ(difference.GetList(), row.difference);
+    }
+    KFactor left = curve(), right = high;
+    left.SetTransducerName("A");
+    right.SetTransducerName("B");
+    right.SetDescription("Cable");
+    KFactor sum = empty;
+    sum += left;
+    EXPECT_TRUE(sum.IsSame(left)) << "the name unchanged";
+    sum -= right;
+    EXPECT_EQ(sum.GetTransducerName(), "A - B");
+    EXPECT_EQ(sum.GetDescription(), "Loop - Cable");
+    EXPECT_EQ(sum.GetMaxOffset(), 0.0);
+    sum += sum;
+    EXPECT_EQ(sum.GetDescription(), "Loop - Cable + Loop - Cable");
+}
+
+TEST(KFactors, AreDrawnPixelByPixel)
+{
+    KFactor each = curveOf({{20, 1, -1}, {34, 5, -2}, {66, 3, -9}});
+    axisDefinition axis, other;
+    ASSERT_EQ(axis.init(0, 80, 4), 0);
+    ASSERT_EQ(other.init(0, 80, 2), 0);
+    each.SetMaxOffset(1);
+    EXPECT_THAT(each.GetCalculatedLineFor(axis, true), ElementsAre(0, 6, 5, 4))
+        << "outside, the highest, between two, the last";
+    EXPECT_THAT(each.GetCalculatedLineFor(axis, false), ElementsAre(0, -2, -5.5, -9));
+    EXPECT_EQ(each.GetMaxPixelLineFor(axis), each.GetCalculatedLineFor(axis, true));
+    const KFactor copy = each;
+    each.SetMaxOffset(2);
+    EXPECT_EQ(each.GetMaxPixelLineFor(axis)[1], 7) << "not the line kept before";
+    EXPECT_EQ(each.GetMaxPixelLineFor(other).size(), 2U);
+    EXPECT_EQ(KFactor(copy).GetMaxPixelLineFor(axis)[1], 6);
+    EXPECT_THAT(each.GetPixOffsetVector(axis), ElementsAre(1, 1, 3));
+    EXPECT_EQ(each.GetPolygonVector(false)[2], QPointF(66, -9));
+    EXPECT_TRUE(each.GetCalculatedLineFor(axisDefinition(), true).empty());
+    EXPECT_TRUE(each.GetCalculatedLineFor(0, 1, 40000, true).empty());
+    EXPECT_EQ(curveOf({{1e6, 7, kNone}}).GetCalculatedLineFor(0, 2000, 2, true)[1], 7);
+
+    each = curveOf({{0, 0, kNone}, {40, 2, kNone}, {80, 4, kNone}});
+    each.SetUseSmooth(true);
+    const std::vector<double> line = each.GetCalculatedLineFor(axis, true);
+    for (std::size_t pixel = 0; pixel < line.size(); ++pixel)
+        EXPECT_NEAR(line[pixel], double(pixel) + 0.5, 1e-12) << "a straight line stays one";
+    each = curveOf({{0, 0, kNone}, {40, 6, kNone}, {80, 0, kNone}});
+    each.SetUseSmooth(true);
+    EXPECT_NEAR(each.GetCalculatedLineFor(other, true)[1], 2.75, 1e-12);
+    EXPECT_THAT(KFactor().GetCalculatedLineFor(axis, true), ElementsAre(0, 0, 0, 0));
+}
+
+TEST(KFactors, AreEditedByTheirReducedPoints)
+{
+    KFactor each =
+        curveOf({{1, 1, 9}, {2, 2, 8}, {3, 7, 7}, {4, 4, 6}, {5, 5, 5}, {6, 6, 4}, {7, 0, kNone}});
+    each.Reduce(3);
+    EXPECT_EQ(each.Reduced(), (Points{{1, 1, 9}, {3, 7, 6}, {6, 6, 4}, {7, 0, kNone}}));
+    EXPECT_EQ(each.ReducedChangeIndex(), -1);
+    EXPECT_TRUE(each.insertReduced(0));
+    EXPECT_EQ(each.Reduced()[1], (KF{2, 4, 7.5}));
+    EXPECT_TRUE(each.removeReduced(2));
+    EXPECT_TRUE(each.setReduced(1, KFactor::ReducedFrequency, 5.5));
+    EXPECT_TRUE(each.setReduced(1, KFactor::ReducedMinimum, -1));
+    EXPECT_EQ(each.ReducedChangeIndex(), 1);
+    EXPECT_EQ(each.GetReducedIndex(5), 1);
+    const Points edited = each.Reduced();
+    EXPECT_EQ(edited, (Points{{1, 1, 9}, {5.5, 4, -1}, {6, 6, 4}, {7, 0, kNone}}));
+    for (const auto &[index, field, value] : {std::tuple(1, 0, 6.0),
+                                              {1, 0, 1.0},
+                                              {4, 1, 1.0},
+                                              {-1, 1, 1.0},
+                                              {1, 3, 1.0},
+                                              {1, 1, double(NAN)}})
+        EXPECT_FALSE(each.setReduced(index, field, value)) << index << ' ' << field;
+    EXPECT_FALSE(each.insertReduced(3) || each.insertReduced(-1) || each.removeReduced(4));
+    EXPECT_EQ(each.Reduced(), edited);
+    EXPECT_EQ(each.GetList().size(), 7U) << "until it is saved";
+    const QTemporaryDir folder;
+    ASSERT_EQ(each.SaveToFile(folder.filePath("a")), 0);
+    EXPECT_EQ(each.GetList(), edited);
+    EXPECT_EQ(each.GetReducedFrame(), 1);
+    each.removeReduced(0);
+    each.Add(9, 9);
+    EXPECT_EQ(each.Reduced(), each.GetList()) << "a new point drops the edits";
+}
+
+TEST(KFactors, AreSavedWithTheirOffsetsAndLoseMinima)
+{
+    const QTemporaryDir folder;
+    const QString name = folder.filePath("loop.csv");
+    KFactor each = curve();
+    ASSERT_EQ(each.SaveToFile(name), 0);
+    EXPECT_EQ(each.GetFileName(), name);
+    EXPECT_EQ(each.GetMaxOffset(), 0.0);
+    KFactor loaded;
+    EXPECT_EQ(loaded.LoadFromFile(name), 0);
+    EXPECT_EQ(loaded.toVector(), (std::vector<double>{1e6, 2e6, 2.5, 4.5}));
+    EXPECT_EQ(loaded.GetTransducerName(), "LimitLine");
+    EXPECT_EQ(FormatKFactor::GetString(each),
+              "Transducer Name;LimitLine\nDescription;LimitTine\nUnit;dBuV\n"
+              "1;1.000000;2.50\n2;2.000000;4.50\n");
+    each.SetUseMin(true);
+    EXPECT_TRUE(
+        FormatKFactor::GetString(each).contains("MinMax\nUnit;dBuV\n1;1.000000;2.50;1.00\n"));
+    EXPECT_FALSE(FormatKFactor::GetValue(FormatKFactor::GetString(each)).valid());
+    EXPECT_TRUE(FormatKFactor::GetValue("1;abc;3\n1;nan;3\n1;1;inf\n\n1;1;1").GetList().empty());
+    ErrorHandler::Instance().SetTraceMask(0);
+    EXPECT_EQ(loaded.LoadFromFile(folder.filePath("none")), -1);
+    EXPECT_EQ(loaded.LoadFromFile(folder.path()), -1);
+    EXPECT_EQ(loaded.SaveToFile(folder.filePath("no/folder")), -1);
+    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
+    EXPECT_EQ(loaded.GetList().size(), 2U);
+}
+
+template <typename T>
+std::string raw(T number)
+{
+    std::string image;
+    Kelm::appendLittleEndian(image, number);
+    return image;
+}
+
+TEST(KFactors, WriteTheirImage)
+{
+    const auto image = [](int frame) {
+        return "\x04\0\0\0L\0o\0o\0p\0"s + raw(0.5) + raw(0.0) + raw(frame) + "\0\0"s + raw(6) +
+               raw(1e6) + raw(2e6) + raw(2.0) + raw(4.0) + raw(1.0) + raw(-1.0) + ';';
+    };
+    EXPECT_EQ(StreamFormat<KFactor>::ToStream(curve(), 0), image(1));
+    for (const int frame : {1, 2, 0x7FFFFFFF, -5}) {
+        const std::string bytes = image(frame);
+        for (std::size_t size = 0; size <= bytes.size(); ++size) {
+            const char *pos = bytes.data();
+            const Kelm::ReadScope scope(pos, size);
+            if (size < bytes.size()) {
+                EXPECT_THROW(Kelm::fromCharStream<KFactor>(&pos), KRException) << size;
+                continue;
+            }
+            const KFactor read = Kelm::fromCharStream<KFactor>(&pos);
+            EXPECT_EQ(read.GetReducedFrame(), std::max(frame, 1));
+            EXPECT_EQ(read.Reduced().size(), 2U);
+        }
+    }
+}
+
+std::unique_ptr<ValueKFactor> makeValue() { return std::make_unique<ValueKFactor>("k", curve()); }
+
+TEST(ValueKFactor, GoesTheRoadOfAChange)
+{
+    using V = ValueKFactor;
+    const auto road = [](const char *name, std::function<void(V &)> set) {
+        return RoadCase{.name = name,
+                        .make = makeValue,
+                        .set = [set](ValueBase &value) { set(dynamic_cast<V &>(value)); },
+                        .codes = {CC_VALUE},
+                        .text = {}};
+    };
+    const RoadCase cases[] = {
+        road("value",
+             [](V &v) {
+                 v.SetValue(curveOf({{1, 2, 3}}), nullptr);
+             }),
+        road("text", [](V &v) { v.SetStringValue("1;2;3", nullptr); }),
+        road("point", [](V &v) { v.Add(3e6, 1, kNone, nullptr); }),
+        road("description", [](V &v) { v.SetDescription("Cable", nullptr); }),
+        road("offset", [](V &v) { v.SetMaxOffset(1, nullptr); }),
+        road("minima", [](V &v) { v.SetUseMin(true, nullptr); }),
+        road("frame", [](V &v) { v.Reduce(2, nullptr); }),
+        road("vector",
+             [](V &v) {
+                 v.fromVector({1, 2, 3, 4}, false, nullptr);
+             }),
+    };
+    for (const RoadCase &c : cases)
+        checkRoad(c);
+    checkRoad({.name = "pure",
+               .make = [] { return std::make_unique<KFactorPure>(); },
+               .set =
+                   [](ValueBase &value) {
+                       dynamic_cast<KFactorPure &>(value).SetValue(curve(), nullptr);
+                   },
+               .codes = {CC_VALUE},
+               .text = {}});
+}
+
+TEST(ValueKFactor, UndoesWhatNoStringHolds)
+{
+    UndoOnce undo;
+    const auto value = makeValue();
+    value->SetUndoManager(&undo);
+    Recorder recorder(*value, ModeBinary);
+    value->SetTransducerName("HL 1", nullptr);
+    value->setReduced(0, KFactor::ReducedValue, 8, nullptr);
+    EXPECT_EQ(recorder.codes, (std::vector<int>{CC_VALUE, CC_VALUE}));
+    *value += curveOf({{1e6, 1, kNone}, {3e6, 2, kNone}});
+    EXPECT_EQ(value->GetTransducerName(), "HL 1 + ");
+    undo.undoAll();
+    EXPECT_TRUE(value->GetCurve().IsSame(curve()));
+    value->SetTransducerName("HL 2", nullptr);
+    recorder.codes.clear();
+    value->SetCommandString(value->GetObjectStateStringForTransmission(0), nullptr, 0);
+    EXPECT_EQ(value->GetTransducerName(), "HL 2") << "the string doesn't hold it";
+    EXPECT_TRUE(recorder.codes.empty());
+    value->SetUndoManager(nullptr);
+}
+
+TEST(ValueKFactor, KeepsItsNameInATreeFile)
+{
+    const auto value = makeValue();
+    value->SetTransducerName(" HL;1 ", nullptr);
+    const XmlValueBase &handler = XmlValueFactory::Instance().HandlerFor(*value);
+    QDomDocument document;
+    QDomElement element = document.createElement("k");
+    handler.ToXml(value.get(), element, document);
+    ValueKFactor restored("k");
+    handler.FromXml(&restored, element);
+    EXPECT_TRUE(restored.GetCurve().IsSame(value->GetCurve()));
+}
+
+TEST(ValueKFactor, IsMadeByNumberAndNameAndPostedWhole)
+{
+    const ValueFactory &factory = ValueFactory::Instance();
+    const std::unique_ptr<ValueBase> number(factory.CreateValue(ValueType(73))),
+        name(factory.CreateValue(QString("KFactor"))),
+        pure(factory.CreateValue(QString("KFactorPure - do NOT use, use ValueKFactor instead!"))),
+        copy(factory.CloneValue(*makeValue()));
+    ASSERT_TRUE(number && name && pure && copy);
+    EXPECT_EQ(typeid(*number), typeid(ValueKFactor));
+    EXPECT_EQ(typeid(*name), typeid(ValueKFactor));
+    EXPECT_EQ(typeid(*pure), typeid(KFactorPure));
+    EXPECT_TRUE(copy->Compare(makeValue().get()));
+
+    const auto value = makeValue();
+    Recorder recorder(*value, ModeBinary);
+    ErrorHandler::Instance().SetTraceMask(0);
+    std::thread([&] {
+        value->Add(KF{3e6, 1}, nullptr);
+        EXPECT_TRUE(value->InsertAt(2.5e6, nullptr));
+        EXPECT_THROW(value->Add(NAN, 1, kNone, nullptr), KRException) << "told at once";
+    }).join();
+    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
+    EXPECT_EQ(value->GetList().size(), 2U);
+    QCoreApplication::sendPostedEvents();
+    EXPECT_EQ(value->GetList().size(), 4U);
+}
+
+} // namespace

@@ -1,0 +1,197 @@
+// The forms of a curve: file, vector, stream.
+#include "platform/base/errorhandler.h"
+#include "platform/base/krexception.h"
+#include "valueclasses/kfactor.h"
+#include "valueclasses/records/recordforms_p.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include <cmath>
+
+SPECTREE_DEFINE_RECORD_IMAGE(values::KF)
+
+namespace values {
+
+namespace {
+
+constexpr double kHzPerMHz = 1000000.0;
+constexpr qint64 kLongestLine = 65536; // bytes; a file without line feeds isn't taken whole
+
+int failOpen()
+{
+    SPECTREE_TRACE(TraceWarnings, QStringLiteral("File open failed!"));
+    return -1;
+}
+
+} // namespace
+
+void KFactor::readLine(const QString &line, std::vector<KF> &points)
+{
+    const QStringList fields = line.split(QLatin1Char(';'));
+    if (fields.size() == 2) {
+        if (fields[0] == QLatin1String("Transducer Name"))
+            m_transducerName = fields[1];
+        else if (fields[0] == QLatin1String("Description"))
+            m_description = fields[1];
+        return;
+    }
+    if (fields.size() != 3)
+        return;
+    bool hasFrequency = false, hasValue = false;
+    const double frequency = fields[1].toDouble(&hasFrequency) * kHzPerMHz;
+    const double value = fields[2].toDouble(&hasValue);
+    if (hasFrequency && hasValue && std::isfinite(frequency) && std::isfinite(value))
+        points.push_back({frequency, value, KF::kNoMinimum});
+}
+
+int KFactor::LoadFromFile(const QString &fileName)
+{
+    QFile file(fileName);
+    // Opening a pipe would wait for its writer.
+    if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly))
+        return failOpen();
+    std::vector<KF> points;
+    while (!file.atEnd()) {
+        const QString line = QString::fromUtf8(file.readLine(kLongestLine)).trimmed();
+        if (line.isEmpty())
+            break;
+        readLine(line, points);
+    }
+    Set(points);
+    return 0;
+}
+
+bool KFactor::LoadFromCSVString(const QString &text)
+{
+    std::vector<KF> points;
+    for (const QString &each : text.split(QLatin1Char('\n'))) {
+        const QString line = each.trimmed();
+        if (line.isEmpty())
+            break;
+        readLine(line, points);
+    }
+    Set(points);
+    return true;
+}
+
+QString KFactor::ToCSVString() const
+{
+    QString text = QStringLiteral("Transducer Name;LimitLine\nDescription;LimitTine");
+    text += m_useMin ? QStringLiteral(" MinMax\n") : QStringLiteral("\n");
+    text += QStringLiteral("Unit;dBuV\n");
+    int number = 0;
+    for (const KF &point : m_points) {
+        text += QStringLiteral("%1;%2;%3")
+                    .arg(++number)
+                    .arg(point.frequency / kHzPerMHz, 0, 'f', 6)
+                    .arg(point.value + m_maxOffset, 0, 'f', 2);
+        if (m_useMin)
+            text += QStringLiteral(";%1").arg(point.minimum + m_minOffset, 0, 'f', 2);
+        text += QLatin1Char('\n');
+    }
+    return text;
+}
+
+int KFactor::SaveToFile(const QString &fileName)
+{
+    KFactor saved = *this;
+    if (!m_reducedIsCurrent)
+        saved.m_points = m_reduced;
+    QSaveFile file(fileName);
+    const bool isOpen = file.open(QIODevice::WriteOnly);
+    const QByteArray text = saved.ToCSVString().toUtf8();
+    if (!isOpen || file.write(text) != text.size() || !file.commit())
+        return failOpen();
+    for (KF &point : saved.m_points) {
+        point.value += m_maxOffset;
+        if (point.minimum != KF::kNoMinimum)
+            point.minimum += m_minOffset;
+    }
+    saved.m_maxOffset = saved.m_minOffset = 0.0;
+    saved.Reduce(m_reducedIsCurrent ? m_reducedFrame : 1);
+    saved.m_fileName = fileName;
+    *this = saved;
+    return 0;
+}
+
+std::vector<double> KFactor::toVector(bool withMin, bool withOffsets) const
+{
+    const double maxOffset = withOffsets ? m_maxOffset : 0.0;
+    const double minOffset = withOffsets ? m_minOffset : 0.0;
+    std::vector<double> data;
+    data.reserve(m_points.size() * (withMin ? 3 : 2));
+    for (const KF &point : m_points)
+        data.push_back(point.frequency);
+    for (const KF &point : m_points)
+        data.push_back(point.value + maxOffset);
+    for (std::size_t i = 0; withMin && i < m_points.size(); ++i)
+        data.push_back(m_points[i].minimum == KF::kNoMinimum ? KF::kNoMinimum
+                                                             : m_points[i].minimum + minOffset);
+    return data;
+}
+
+void KFactor::fromVector(const std::vector<double> &data, bool withMin)
+{
+    const std::size_t columns = withMin ? 3 : 2, count = data.size() / columns;
+    if (data.size() != count * columns)
+        throw KRException(QStringLiteral("A curve of %1 numbers is not whole").arg(data.size()),
+                          __FILE__, "KFactor", "fromVector", __LINE__);
+    std::vector<KF> points(count);
+    for (std::size_t i = 0; i < count; ++i)
+        points[i] = {data[i], data[count + i], withMin ? data[2 * count + i] : KF::kNoMinimum};
+    Set(points);
+}
+
+QString FormatKFactor::GetString(const KFactor &curve) { return curve.ToCSVString(); }
+
+KFactor FormatKFactor::GetValue(const QString &text)
+{
+    KFactor curve;
+    curve.LoadFromCSVString(text);
+    return curve;
+}
+
+} // namespace values
+
+template <>
+std::string Kelm::toStandardString<values::KFactor>(const values::KFactor &curve)
+{
+    using values::Record::appendField;
+    std::string image;
+    appendField(image, curve.m_description);
+    appendField(image, curve.m_maxOffset);
+    appendField(image, curve.m_minOffset);
+    appendField(image, curve.m_reducedFrame);
+    appendField(image, curve.m_useMin);
+    appendField(image, curve.m_useSmooth);
+    appendField(image, curve.toVector(true, false));
+    return image + ';';
+}
+
+template <>
+values::KFactor Kelm::fromCharStream<values::KFactor>(const char **cursor)
+{
+    using values::Record::readField;
+    values::KFactor curve;
+    double maxOffset = 0.0, minOffset = 0.0;
+    int frame = 1;
+    std::vector<double> points;
+    readField(cursor, curve.m_description);
+    readField(cursor, maxOffset);
+    readField(cursor, minOffset);
+    readField(cursor, frame);
+    readField(cursor, curve.m_useMin);
+    readField(cursor, curve.m_useSmooth);
+    readField(cursor, points);
+    if (bytesLeft(*cursor) == 0 || **cursor != ';')
+        throw KRException("Command string is not terminated with ';'", "valueclasses/kfactorvalue",
+                          "Kelm", "fromCharStream<FKactor>", __LINE__);
+    ++*cursor;
+    curve.fromVector(points, true);
+    curve.m_maxOffset = maxOffset; // behind the points, which put them back
+    curve.m_minOffset = minOffset;
+    curve.Reduce(frame);
+    return curve;
+}
