@@ -13,17 +13,30 @@ LogDF::LogDF() { SetLogger(QStringLiteral("DF"), QStringLiteral("%0@%1@%2@%3@%4@
 
 LogDF::~LogDF() { releaseBearing(); }
 
-#define SPECTREE_SETTER(Name, Index, Object)                                                       \
-    bool LogDF::Set##Name##_ValuePath(const QString &path)                                         \
-    {                                                                                              \
-        return SetObject(std::make_unique<Object>(*this, path, QStringLiteral("#" #Index)));       \
-    }
-SPECTREE_SETTER(Longitude, 0, ValuePtr_ValueNumericFloat)
-SPECTREE_SETTER(Latitude, 1, ValuePtr_ValueNumericFloat)
-SPECTREE_SETTER(Demodulation, 2, ValuePtr_ValueSelection)
-SPECTREE_SETTER(Bandwidth, 3, ValuePtr_ValueNumericFloat)
-SPECTREE_SETTER(Offset, 4, ValuePtr_ValueNumericFloat)
-#undef SPECTREE_SETTER
+bool LogDF::SetLongitude_ValuePath(const QString &path)
+{
+    return SetArgument<ValuePtr_ValueNumericFloat>(0, path);
+}
+
+bool LogDF::SetLatitude_ValuePath(const QString &path)
+{
+    return SetArgument<ValuePtr_ValueNumericFloat>(1, path);
+}
+
+bool LogDF::SetDemodulation_ValuePath(const QString &path)
+{
+    return SetArgument<ValuePtr_ValueSelection>(2, path);
+}
+
+bool LogDF::SetBandwidth_ValuePath(const QString &path)
+{
+    return SetArgument<ValuePtr_ValueNumericFloat>(3, path);
+}
+
+bool LogDF::SetOffset_ValuePath(const QString &path)
+{
+    return SetArgument<ValuePtr_ValueNumericFloat>(4, path);
+}
 
 bool LogDF::SetBearingResult_ValuePath(const QString &path)
 {

@@ -67,6 +67,12 @@ protected:
     void StoreObject(std::unique_ptr<ValuePtr> object);
     /// Stores \a object and connects it. False, with the object kept, when its value isn't there.
     bool SetObject(std::unique_ptr<ValuePtr> object);
+    /// The same with a new \a Object for the value at \a path; include valueptr.h.
+    template <typename Object>
+    bool SetArgument(int index, const QString &path)
+    {
+        return SetObject(std::make_unique<Object>(*this, path, QStringLiteral("#%1").arg(index)));
+    }
     /// Empty where there is none, or its value isn't there.
     QString GetObjectText(int index) const;
     void SetLogger(const QString &type, const QString &messageTemplate);
