@@ -43,6 +43,7 @@ PathHash::Value PathHash::of(QStringView text)
         hash = fold(hash, at);
     char16_t last[kBlock] = {};
     std::copy_n(at, left, last);
+    last[left] = kEnd;
     return fold(hash, last);
 }
 

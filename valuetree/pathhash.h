@@ -22,7 +22,13 @@ public:
     };
 
     void add(QStringView text);
-    Value value() const { return fold(m_hash, m_pending); }
+    Value value() const
+    {
+        char16_t last[kBlock];
+        std::memcpy(last, m_pending, sizeof last);
+        last[m_count] = kEnd;
+        return fold(m_hash, last);
+    }
     Value valueWithName(QStringView name) const
     {
         PathHash child = *this;
@@ -35,6 +41,8 @@ public:
 
 private:
     static constexpr int kBlock = 8; // characters
+    // Behind the last one, before the zeroes that fill the block up: a path may hold zeroes too.
+    static constexpr char16_t kEnd = 0xFFFF;
 
     static const std::uint64_t s_key[4];
     static std::uint64_t multiply(std::uint64_t a, std::uint64_t b)
@@ -53,7 +61,7 @@ private:
 
     Value m_hash{0, 0};
     char16_t m_pending[kBlock] = {}; // the last block, filled up with zeroes
-    int m_count = 0;                 // characters in it
+    int m_count = 0;                 // characters in it, less than kBlock
 };
 
 } // namespace values

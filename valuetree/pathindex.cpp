@@ -108,6 +108,18 @@ void PathIndex::Add(TreeItem &item)
 {
     if (addOne(item))
         addBelow(item);
+    else
+        forget(item);
+}
+
+/// A subtree that had an index of its own may come to where no path leads.
+void PathIndex::forget(TreeItem &item)
+{
+    item.m_indexed = false;
+    item.m_hasTwin = false;
+    if (const Node *const node = item.AsNode())
+        for (TreeItem *below = node->m_first; below != nullptr; below = below->m_next)
+            forget(*below);
 }
 
 void PathIndex::removeWithAllBelow(TreeItem &item)

@@ -44,6 +44,7 @@ private:
     void grow();
     bool addOne(TreeItem &item);
     void addBelow(TreeItem &item);
+    static void forget(TreeItem &item);
     void removeWithAllBelow(TreeItem &item);
 
     std::vector<Slot> m_slots; // a power of two

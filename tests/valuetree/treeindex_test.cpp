@@ -52,8 +52,10 @@ public:
             tree.AddNode(path);
             break;
         case 2: // siblings of one name
-            node->AddItem(pick(2) == 0 ? static_cast<TreeItem *>(new Node(name))
-                                       : new ValueItem(new Int(name == "/" ? "e" : name)));
+            if (pick(2) == 0)
+                node->AddItem(new ValueItem(new Int(name == "/" ? "e" : name)));
+            else
+                node->AddItem(searchedNode(name));
             break;
         case 3:
         case 4:
@@ -102,6 +104,14 @@ public:
     std::vector<QString> paths;
 
 private:
+    /// With an index of its own, which must be forgotten also where no path will lead to it.
+    static Node *searchedNode(const QString &name)
+    {
+        auto *const node = new Node(name);
+        node->AddValue("a/b", new Int);
+        EXPECT_NE(node->GetValue("a/b"), nullptr);
+        return node;
+    }
     std::size_t pick(std::size_t count) { return m_random() % count; }
     Node *pickNode()
     {
@@ -146,6 +156,17 @@ TEST(TreeIndex, DetachedNodesAreSearchedToo)
     EXPECT_EQ(top.GetValue("a/b/c/"), nullptr);
     EXPECT_EQ(part->GetAncestor(1), top.GetNode("a"));
     EXPECT_EQ(part->GetAncestor(3), nullptr);
+}
+
+TEST(TreeIndex, TellsPathsApartThatDifferByZeroes)
+{
+    Node top;
+    const QString name("a"), longer = name + QChar(u'\0');
+    auto *const first = new Node(name), *const second = new Node(longer);
+    top.AddItem(first);
+    top.AddItem(second);
+    EXPECT_EQ(top.GetNode(name), first);
+    EXPECT_EQ(top.GetNode(longer), second);
 }
 
 TEST(TreePaths, Rules)

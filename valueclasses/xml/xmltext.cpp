@@ -78,11 +78,13 @@ QString EncodeName(const QString &name)
 
 QString DecodeName(QStringView element)
 {
-    QString out = element.toString();
-    for (int at = out.indexOf(QLatin1String("_x")); at >= 0;
-         at = out.indexOf(QLatin1String("_x"), at + 1))
-        if (const auto c = escapeAt(QStringView(out).mid(at)))
-            out.replace(at, kEscapeLength, *c);
+    QString out;
+    out.reserve(int(element.size()));
+    while (!element.isEmpty()) {
+        const auto c = escapeAt(element);
+        out += c ? *c : element.front();
+        element = element.mid(c ? kEscapeLength : 1);
+    }
     return out;
 }
 
