@@ -19,21 +19,24 @@ namespace Detail {
 class SuspendRecording {
 public:
     explicit SuspendRecording(ValueBase &value)
-        : m_value(value.IsCommandRecording() ? &value : nullptr)
+        : m_value(value), m_watch(&value), m_suspends(value.IsCommandRecording())
     {
-        if (m_value != nullptr)
-            m_value->SuspendCommandRecording(true);
+        if (m_suspends)
+            m_value.SuspendCommandRecording(true);
     }
     ~SuspendRecording()
     {
-        if (m_value != nullptr)
-            m_value->SuspendCommandRecording(false);
+        if (m_suspends && !IsGone())
+            m_value.SuspendCommandRecording(false);
     }
+    bool IsGone() const { return m_watch.IsGone(); }
     SuspendRecording(const SuspendRecording &) = delete;
     SuspendRecording &operator=(const SuspendRecording &) = delete;
 
 private:
-    ValueBase *m_value;
+    ValueBase &m_value;
+    LifeWatch m_watch;
+    bool m_suspends;
 };
 
 } // namespace Detail
@@ -90,9 +93,11 @@ void FastValueMap<Y, YHandler>::SetChannelRangeDefinition(const ChannelRangeDefi
     if (first > 0.0)
         this->SetWidth4Interpolation(GetWidth4Interpolation(first));
     this->template recordForBoth<CommandSetChannelRangeDefinition>(m_definition);
+    const LifeWatch watch(this);
     if (this->m_channelMapping != nullptr)
         this->m_channelMapping->SetChannelRangeDefinition(m_definition);
-    ValueMap<Y, YHandler>::HasChanged(CC_LIMITS, this);
+    if (!watch.IsGone())
+        ValueMap<Y, YHandler>::HasChanged(CC_LIMITS, this);
 }
 
 template <typename Y, typename YHandler>
@@ -170,6 +175,8 @@ void FastValueMap<Y, YHandler>::passOn(std::span<const Piece> pieces)
 {
     const Detail::SuspendRecording suspended(*this);
     for (const Piece &piece : pieces) {
+        if (suspended.IsGone())
+            return;
         const double first = frequencyOf(piece.firstIndex);
         if (piece.count == 1)
             SetXYValue(first, *piece.samples);
@@ -183,9 +190,9 @@ template <typename Y, typename YHandler>
 requires SampleHandler<YHandler, Y>
 void FastValueMap<Y, YHandler>::ClearChannelRange(Kelm::Long firstChannel, unsigned int count)
 {
-    if (this->IsChangeForeign())
-        return this->PostChange(
-            [this, firstChannel, count] { ClearChannelRange(firstChannel, count); });
+    if (this->PostIfForeign(
+            [this, firstChannel, count] { ClearChannelRange(firstChannel, count); }))
+        return;
     if (m_definition.empty())
         return;
     const auto wantedCount = std::int32_t(count);
@@ -200,6 +207,8 @@ void FastValueMap<Y, YHandler>::ClearChannelRange(Kelm::Long firstChannel, unsig
             new CommandClearChannelRange<Y, YHandler>(this, nullptr, firstChannel, count));
     const Detail::SuspendRecording suspended(*this);
     for (const Piece &piece : pieces) {
+        if (suspended.IsGone())
+            return;
         if (piece.count == 1)
             ClearXValue(frequencyOf(piece.firstIndex));
         else
@@ -234,10 +243,13 @@ template <typename Y, typename YHandler>
 requires SampleHandler<YHandler, Y>
 void FastValueMap<Y, YHandler>::endScan(KRTimeStamp time)
 {
-    if (this->IsChangeForeign())
-        return this->PostChange([this, time] { endScan(time); });
+    if (this->PostIfForeign([this, time] { endScan(time); }))
+        return;
+    const LifeWatch watch(this);
     if (this->m_channelMapping != nullptr)
         this->m_channelMapping->EndOfScan(time);
+    if (watch.IsGone())
+        return;
     if (m_buffer == nullptr)
         return this->finishScan(0);
     if (storesInBufferOnly() && this->IsCommandRecording())
@@ -254,10 +266,13 @@ template <typename Y, typename YHandler>
 requires SampleHandler<YHandler, Y>
 void FastValueMap<Y, YHandler>::SetTimeStamp(const KRTimeStamp &time)
 {
-    if (this->IsChangeForeign())
-        return this->PostChange([this, time] { SetTimeStamp(time); });
+    if (this->PostIfForeign([this, time] { SetTimeStamp(time); }))
+        return;
+    const LifeWatch watch(this);
     if (this->m_channelMapping != nullptr)
         this->m_channelMapping->SetTimeStamp(time);
+    if (watch.IsGone())
+        return;
     ValueMap<Y, YHandler>::SetTimeStamp(time);
     if (m_buffer != nullptr)
         m_buffer->addTimeStamp(time);
@@ -267,8 +282,8 @@ template <typename Y, typename YHandler>
 requires SampleHandler<YHandler, Y>
 void FastValueMap<Y, YHandler>::HasChanged(TChangeCode code, IObserver *source)
 {
-    if (this->IsChangeForeign())
-        return this->PostChange([this, code, source] { HasChanged(code, source); });
+    if (this->PostIfForeign([this, code, source] { HasChanged(code, source); }))
+        return;
     const bool bufferOnly = storesInBufferOnly();
     const bool records = bufferOnly ? this->Record() : this->IsCommandRecording();
     if (m_buffer != nullptr && code == CC_MAPPING && records)
@@ -282,14 +297,14 @@ requires SampleHandler<YHandler, Y>
 void FastValueMap<Y, YHandler>::noteRecordedChange(IObserver *source)
 {
     using Change = ValueBase::CommandHasChanged;
-    const std::weak_ptr<Buffer> living = m_buffer;
+    const LifeWatch watch(this);
     const bool bufferOnly = storesInBufferOnly();
     if (!bufferOnly)
         this->stampChange(CC_MAPPING);
     if (this->IsCommandRecording())
         this->AddCommand(new Change(this, CC_MAPPING, source));
     this->NotifyObservers(CC_FAST_MAP, source);
-    if (bufferOnly || living.expired()) // an observer may have destroyed this value
+    if (bufferOnly || watch.IsGone())
         return;
     // As in ValueBase::HasChanged, but for the recording that has the change already.
     if (this->IsCommandRecordingForTransmission())

@@ -223,10 +223,13 @@ void ValueBase::SetState(TValueState state, IObserver *source)
     if (PostIfForeign([=, this] { ValueBase::SetState(state, source); }) || state == m_state)
         return;
     if (IUndoManager *undo = GetUndoManager()) {
+        const LifeWatch watch(this);
         if (state == VS_DELETED)
             undo->ResetUndoStacks(); // a deleted value can't be restored
         else
-            AddUndo(new CommandSetState(this, m_state, nullptr));
+            static_cast<void>(AddUndo(new CommandSetState(this, m_state, nullptr)));
+        if (watch.IsGone())
+            return;
     }
     m_state = state;
     if (Record())
@@ -266,8 +269,9 @@ int ValueBase::SetUpdateTimerTime(unsigned int milliseconds)
         PostChange([this, milliseconds] { ValueBase::SetUpdateTimerTime(milliseconds); });
         return 0;
     }
-    if (GetUndoManager() != nullptr)
-        AddUndo(new CommandUpdateTimerTime(this, GetUpdateTimerTime(), nullptr));
+    if (GetUndoManager() != nullptr &&
+        !AddUndo(new CommandUpdateTimerTime(this, GetUpdateTimerTime(), nullptr)))
+        return 0;
     const int id = startTimer(milliseconds);
     if (Record())
         RecordCommand(new CommandUpdateTimerTime(this, milliseconds, nullptr));
@@ -310,10 +314,12 @@ void ValueBase::KillOverrideTimer(int /*id*/)
                       __FILE__, "ValueBase", "KillOverrideTimer", __LINE__);
 }
 
-void ValueBase::AddUndo(Command *command)
+bool ValueBase::AddUndo(Command *command)
 {
+    const LifeWatch watch(this);
     setFlag(HasUndo, true);
     GetUndoManager()->AddUndoCommand(command);
+    return !watch.IsGone();
 }
 
 LastDeletedObject &LastDeletedObject::Instance()

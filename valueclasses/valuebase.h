@@ -5,6 +5,7 @@
 #include "valueclasses/commands/command.h"
 #include "valueclasses/isupporttransaction.h"
 #include "valueclasses/ivalue.h"
+#include "valueclasses/lifewatch.h"
 #include "valueclasses/valuetransaction.h"
 
 #include <atomic>
@@ -213,8 +214,9 @@ protected:
     void StoreChanged(T &field, std::type_identity_t<T> value, TChangeCode code, IObserver *source,
                       const MakeCommand &make)
     {
-        if (GetUndoManager() != nullptr)
-            AddUndo(make(std::as_const(field), nullptr, CommandUse::Undo));
+        if (GetUndoManager() != nullptr &&
+            !AddUndo(make(std::as_const(field), nullptr, CommandUse::Undo)))
+            return;
         field = std::move(value);
         if (Record())
             RecordCommand(make(std::as_const(field), source, CommandUse::Record));
@@ -239,8 +241,9 @@ protected:
     /// Runs \a change on the application thread, after those posted before; dropped when this value
     /// dies first. The first one is traced. While 10 000 wait, the caller waits for up to a second.
     void PostChange(std::function<void()> change);
-    /// Gives \a command to the undo manager, which there is; owns it from the call on.
-    void AddUndo(Command *command);
+    /// Gives \a command to the undo manager, which there is; owns it from the call on. False when
+    /// somebody who listens to the manager has deleted this value.
+    [[nodiscard]] bool AddUndo(Command *command);
     /// \a other as a \a V. \throws KRException when it is none.
     template <typename V>
     static const V &CastForAssign(const ValueBase &other)
@@ -281,7 +284,7 @@ private:
     void notifyHere(TChangeCode code, IObserver *source);
     [[noreturn]] void failWrongThread(TChangeCode code) const;
     [[noreturn]] static void failAssign(const ValueBase &other);
-    void closeUndoBracket(TChangeCode code);
+    bool closeUndoBracket(TChangeCode code);
     friend class NotifyDistinction;
     void NotificationEnded() override;
 

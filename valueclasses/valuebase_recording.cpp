@@ -156,8 +156,9 @@ void ValueBase::SetCommandString(const std::string &commands, IObserver *source,
 {
     std::vector<std::unique_ptr<KELM::ICommand>> parsed;
     SetCommandString(commands, parsed, source, mode);
-    for (const auto &command : parsed)
-        command->Execute();
+    const LifeWatch watch(this);
+    for (auto command = parsed.begin(); command != parsed.end() && !watch.IsGone(); ++command)
+        (*command)->Execute();
 }
 
 int ValueBase::ExtractCommandId(const char *position)

@@ -54,7 +54,8 @@ void ValueBase::StartTransaction(IObserver *source)
         // Undo runs backwards: there this command ends what EndTransaction's begins.
         const std::uint64_t bracket = nextBracket();
         rare().openBrackets.push_back({m_transactionCount, bracket});
-        AddUndo(new CommandEndTransaction(this, CC_NONE, nullptr, bracket));
+        if (!AddUndo(new CommandEndTransaction(this, CC_NONE, nullptr, bracket)))
+            return;
     }
     if (Record())
         RecordCommand(new CommandStartTransaction(this, source));
@@ -64,7 +65,8 @@ void ValueBase::EndTransaction(TChangeCode code, IObserver *source)
 {
     if (PostIfForeign([=, this] { ValueBase::EndTransaction(code, source); }))
         return;
-    closeUndoBracket(code);
+    if (!closeUndoBracket(code))
+        return;
     --m_transactionCount;
     if (Record())
         RecordCommand(new CommandEndTransaction(this, code, source));
@@ -73,7 +75,8 @@ void ValueBase::EndTransaction(TChangeCode code, IObserver *source)
     EndTrImpl(code, source);
 }
 
-void ValueBase::closeUndoBracket(TChangeCode code)
+/// False when somebody who listens to the undo manager has deleted this value.
+bool ValueBase::closeUndoBracket(TChangeCode code)
 {
     std::uint64_t bracket = 0;
     if (m_rare != nullptr) {
@@ -85,7 +88,7 @@ void ValueBase::closeUndoBracket(TChangeCode code)
     }
     IUndoManager *undo = GetUndoManager();
     if (undo == nullptr)
-        return;
+        return true;
     FindCommandEndTransactionPredicate isOurs(bracket);
     auto end = std::make_unique<CommandEndTransaction>(this, GetUndoChangeCode(code), nullptr);
     if (!undo->ReplaceUndoCommand_If(&isOurs, end.get())) {
@@ -93,10 +96,10 @@ void ValueBase::closeUndoBracket(TChangeCode code)
         SPECTREE_TRACE(TraceLifecycle,
                        QStringLiteral("Error in ValueBase::EndTransaction: Cannot replace undo "
                                       "command of ValueBase::StartTransaction"));
-        return;
+        return true;
     }
     static_cast<void>(end.release());
-    AddUndo(new CommandStartTransaction(this, nullptr));
+    return AddUndo(new CommandStartTransaction(this, nullptr));
 }
 
 void ValueBase::EndTrImpl(TChangeCode code, IObserver *source)

@@ -120,7 +120,7 @@ private:
     void replaceItems(std::list<T> items, IObserver *source);
     void takeItems(std::list<T> items);
     void refill(const std::list<T> &items, IObserver *source);
-    void undoToPresent();
+    [[nodiscard]] bool undoToPresent(); // as AddUndo
 
     std::list<T> m_items;
     Iterator m_current = m_items.end();

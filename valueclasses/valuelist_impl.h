@@ -132,8 +132,8 @@ void ValueList<T, F, S>::setItems(std::list<T> items, IObserver *source)
 {
     if (IsChangeForeign())
         return PostChange([this, items = std::move(items), source] { setItems(items, source); });
-    undoToPresent();
-    replaceItems(std::move(items), source);
+    if (undoToPresent())
+        replaceItems(std::move(items), source);
 }
 
 template <typename T, typename F, typename S>
@@ -151,7 +151,8 @@ void ValueList<T, F, S>::Clear(IObserver *source)
 {
     if (PostIfForeign([this, source] { Clear(source); }))
         return;
-    undoToPresent();
+    if (!undoToPresent())
+        return;
     m_items.clear();
     m_current = m_items.end();
     if (Record())
@@ -216,9 +217,10 @@ void ValueList<T, F, S>::refill(const std::list<T> &items, IObserver *source)
     if (IsChangeForeign())
         return PostChange([this, items, source] { refill(items, source); });
     const ValueTransaction transaction(*this, CC_LIST_REPLACED, source);
-    Clear(source);
-    for (const T &item : items)
-        PushBack(item, source);
+    if (transaction.IsValid())
+        Clear(source);
+    for (auto item = items.begin(); item != items.end() && transaction.IsValid(); ++item)
+        PushBack(*item, source);
 }
 
 template <typename T, typename F, typename S>
@@ -333,8 +335,8 @@ void ValueList<T, F, S>::insert(Iterator before, Kelm::Long recordedAs, const T 
                                 IObserver *source)
 {
     std::list<T> added{value};
-    if (GetUndoManager() != nullptr)
-        AddUndo(new CommandErase(this, value, nullptr));
+    if (GetUndoManager() != nullptr && !AddUndo(new CommandErase(this, value, nullptr)))
+        return;
     m_items.splice(before, added);
     if (Record())
         RecordCommand(new CommandInsert(this, recordedAs, value, source));
@@ -345,8 +347,9 @@ template <typename T, typename F, typename S>
 void ValueList<T, F, S>::erase(Iterator item, IObserver *source)
 {
     std::list<T> removed; // keeps the element alive: the caller's value may be a reference to it
-    if (GetUndoManager() != nullptr)
-        AddUndo(new CommandInsert(this, indexOf(item), *item, nullptr));
+    if (GetUndoManager() != nullptr &&
+        !AddUndo(new CommandInsert(this, indexOf(item), *item, nullptr)))
+        return;
     if (m_current == item)
         ++m_current;
     removed.splice(removed.begin(), m_items, item);
@@ -356,10 +359,9 @@ void ValueList<T, F, S>::erase(Iterator item, IObserver *source)
 }
 
 template <typename T, typename F, typename S>
-void ValueList<T, F, S>::undoToPresent()
+bool ValueList<T, F, S>::undoToPresent()
 {
-    if (GetUndoManager() != nullptr)
-        AddUndo(new CommandSetList(this, m_items, nullptr));
+    return GetUndoManager() == nullptr || AddUndo(new CommandSetList(this, m_items, nullptr));
 }
 
 } // namespace values

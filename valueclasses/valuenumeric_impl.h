@@ -102,9 +102,10 @@ void ValueNumeric<T, F, S>::changeValue(T value, IObserver *source)
 {
     if (value == this->m_value)
         return;
-    if (this->GetUndoManager() != nullptr)
-        this->AddUndo(
-            CreateNumberCommand(this->m_value, Number::ValueId, nullptr, CommandUse::Undo));
+    if (this->GetUndoManager() != nullptr &&
+        !this->AddUndo(
+            CreateNumberCommand(this->m_value, Number::ValueId, nullptr, CommandUse::Undo)))
+        return;
     this->m_value = value;
     if (this->Record())
         forEachValueCommand([&](T number, int kind) {
@@ -153,9 +154,10 @@ void ValueNumeric<T, F, S>::storeLimits(T minimum, T maximum, T step, IObserver 
     if (std::none_of(std::begin(changes), std::end(changes), differs))
         return;
     for (const Change &change : changes)
-        if (this->GetUndoManager() != nullptr && differs(change))
-            this->AddUndo(
-                CreateNumberCommand(change.field, change.kind, nullptr, CommandUse::Undo));
+        if (this->GetUndoManager() != nullptr && differs(change) &&
+            !this->AddUndo(
+                CreateNumberCommand(change.field, change.kind, nullptr, CommandUse::Undo)))
+            return;
     for (const Change &change : changes)
         if (this->Record() && differs(change))
             this->RecordCommand(

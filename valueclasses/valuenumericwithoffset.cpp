@@ -66,9 +66,11 @@ void ValueNumericWithOffset<T, F, S>::SetOffset(T offset, IObserver *source)
     if (this->PostIfForeign([=, this] { SetOffset(offset, source); }))
         return;
     const T value = GetValue(), minimum = GetMin(), maximum = GetMax();
+    const LifeWatch watch(this);
     m_offset = offset;
     SetMinMax(minimum, maximum, this->m_step, nullptr);
-    SetValue(value, source);
+    if (!watch.IsGone())
+        SetValue(value, source);
 }
 
 template <typename T, typename F, typename S>
@@ -85,17 +87,22 @@ void ValueNumericWithOffset<T, F, S>::SetOffsetMinMax_KeepValueInRange(T offset,
     };
     const T valueBefore = this->m_value;
     const auto limitsBefore = limits();
+    const LifeWatch watch(this);
     ISupportTransaction &transaction = *this;
     transaction.StartTransaction(source);
-    SetOffset(offset, source);
-    SetMinMax(minimum, maximum, step, nullptr);
-    if (GetValue() > GetMax())
+    if (!watch.IsGone())
+        SetOffset(offset, source);
+    if (!watch.IsGone())
+        SetMinMax(minimum, maximum, step, nullptr);
+    if (!watch.IsGone() && GetValue() > GetMax())
         SetValue(GetMax(), source);
-    else if (GetValue() < GetMin())
+    else if (!watch.IsGone() && GetValue() < GetMin())
         SetValue(GetMin(), source);
+    if (watch.IsGone())
+        return;
     const bool limitsChanged = limits() != limitsBefore;
     transaction.EndTransaction(this->m_value == valueBefore ? CC_NONE : CC_VALUE, source);
-    if (limitsChanged)
+    if (limitsChanged && !watch.IsGone())
         this->NotifyObservers(CC_LIMITS, source);
 }
 

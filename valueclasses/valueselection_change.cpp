@@ -38,8 +38,9 @@ bool ValueSelection::choose(int index, ChoiceKind kind, IObserver *source)
 {
     if (index == m_current)
         return true;
-    if (GetUndoManager() != nullptr)
-        AddUndo(new CommandSelect(this, describe(kind, m_current), m_current));
+    if (GetUndoManager() != nullptr &&
+        !AddUndo(new CommandSelect(this, describe(kind, m_current), m_current)))
+        return true;
     m_current = index;
     m_changed = 0;
     if (Record())
@@ -119,9 +120,9 @@ void ValueSelection::AddItems(const QStringList &names, IObserver *source)
     if (names.isEmpty())
         return;
     const ValueTransaction transaction(*this, CC_ITEM_ADDED, source);
-    for (const QString &name : names) {
+    for (auto name = names.begin(); name != names.end() && transaction.IsValid(); ++name) {
         const int place = GetItemCount();
-        AddItem(name, double(place), place, source);
+        AddItem(*name, double(place), place, source);
     }
 }
 
@@ -151,8 +152,8 @@ void ValueSelection::AppendItems(const std::vector<SelectionItem> &items, IObser
     if (PostIfForeign([this, items, source] { AppendItems(items, source); }) || items.empty())
         return;
     const ValueTransaction transaction(*this, CC_ITEM_ADDED, source);
-    for (const SelectionItem &item : items)
-        AddItem(new SelectionItem(item), source);
+    for (auto item = items.begin(); item != items.end() && transaction.IsValid(); ++item)
+        AddItem(new SelectionItem(*item), source);
 }
 
 void ValueSelection::ReplaceItems(const std::vector<SelectionItem> &items, Kelm::Long chosen,
@@ -161,9 +162,12 @@ void ValueSelection::ReplaceItems(const std::vector<SelectionItem> &items, Kelm:
     if (PostIfForeign([this, items, chosen, source] { ReplaceItems(items, chosen, source); }))
         return;
     const ValueTransaction transaction(*this, CC_LIST_REPLACED, source);
-    DeleteItems(source);
-    AppendItems(items, source);
-    SelectIndex(chosen, source);
+    if (transaction.IsValid())
+        DeleteItems(source);
+    if (transaction.IsValid())
+        AppendItems(items, source);
+    if (transaction.IsValid())
+        SelectIndex(chosen, source);
 }
 
 void ValueSelection::insertItem(int position, std::unique_ptr<SelectionItem> item,
@@ -171,8 +175,9 @@ void ValueSelection::insertItem(int position, std::unique_ptr<SelectionItem> ite
 {
     const int count = GetItemCount();
     position = std::clamp(position, 0, count);
-    if (GetUndoManager() != nullptr)
-        AddUndo(new CommandAddOrDeleteItem(CommandAddOrDeleteItem::Delete, this, *item, position));
+    if (GetUndoManager() != nullptr &&
+        !AddUndo(new CommandAddOrDeleteItem(CommandAddOrDeleteItem::Delete, this, *item, position)))
+        return;
     const SelectionItem &added = **m_items.insert(m_items.begin() + position, std::move(item));
     if (m_current >= position)
         ++m_current;
@@ -217,10 +222,11 @@ bool ValueSelection::removeItemAt(int position, const SelectionItem &expected, I
 void ValueSelection::removeItem(int position, IObserver *source)
 {
     const SelectionItem removed = *GetItemAt(position);
-    if (GetUndoManager() != nullptr) {
-        AddUndo(new CommandSelect(this, describe(ByIndex, m_current), m_current));
-        AddUndo(new CommandAddOrDeleteItem(CommandAddOrDeleteItem::Add, this, removed, position));
-    }
+    using Add = CommandAddOrDeleteItem;
+    if (GetUndoManager() != nullptr &&
+        (!AddUndo(new CommandSelect(this, describe(ByIndex, m_current), m_current)) ||
+         !AddUndo(new Add(Add::Add, this, removed, position))))
+        return;
     const bool isFirst =
         indexOfItem(removed.GetName(), removed.GetValue(), removed.GetKey()) == position;
     m_items.erase(m_items.begin() + position);
@@ -243,10 +249,12 @@ void ValueSelection::DeleteItems(IObserver *source)
         return;
     if (GetUndoManager() != nullptr) {
         // Undo runs backwards: the first item comes first, and the choice at the end.
-        AddUndo(new CommandSelect(this, describe(ByIndex, m_current), m_current));
-        for (int i = GetItemCount(); i-- > 0;)
-            AddUndo(
+        bool isThere = AddUndo(new CommandSelect(this, describe(ByIndex, m_current), m_current));
+        for (int i = isThere ? GetItemCount() : 0; i-- > 0 && isThere;)
+            isThere = AddUndo(
                 new CommandAddOrDeleteItem(CommandAddOrDeleteItem::Add, this, *GetItemAt(i), i));
+        if (!isThere)
+            return;
     }
     m_items.clear();
     m_firstByName.clear();

@@ -19,8 +19,8 @@ void ValueSpecialInterest::ChangeInterest(const SpecialInterest &item, IObserver
         return PushBack(item, source);
     if (found->GetInterest() == item.GetInterest())
         return;
-    if (GetUndoManager() != nullptr)
-        AddUndo(new CommandChangeInterest(this, *found, nullptr));
+    if (GetUndoManager() != nullptr && !AddUndo(new CommandChangeInterest(this, *found, nullptr)))
+        return;
     found->SetInterest(item.GetInterest());
     if (Record())
         RecordCommand(new CommandChangeInterest(this, item, source));

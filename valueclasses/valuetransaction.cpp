@@ -23,12 +23,12 @@ ValueTransaction::ValueTransaction(ISupportTransaction &target,
 {
     while (m_codes.size() < 2)
         m_codes.push_back(CC_NONE);
-    m_target->StartTransaction(const_cast<IObserver *>(m_source));
+    target.StartTransaction(const_cast<IObserver *>(m_source));
 }
 
 ValueTransaction::ValueTransaction(ValueTransaction &&other) noexcept
-    : m_target(std::exchange(other.m_target, nullptr)),
-      m_source(std::exchange(other.m_source, nullptr)), m_codes(std::exchange(other.m_codes, {}))
+    : m_target(std::move(other.m_target)), m_source(std::exchange(other.m_source, nullptr)),
+      m_codes(std::exchange(other.m_codes, {}))
 {
 }
 
@@ -37,7 +37,7 @@ ValueTransaction &ValueTransaction::operator=(ValueTransaction &&other)
     if (this == &other)
         return *this;
     close();
-    m_target = std::exchange(other.m_target, nullptr);
+    m_target = std::move(other.m_target);
     m_source = std::exchange(other.m_source, nullptr);
     m_codes = std::exchange(other.m_codes, {});
     return *this;
@@ -73,19 +73,19 @@ bool ValueTransaction::IsCanceled() const { return m_codes.count(CC_NONE) == m_c
 
 void ValueTransaction::close()
 {
-    ISupportTransaction *target = std::exchange(m_target, nullptr);
+    const LifeWatch target = std::move(m_target);
     auto *source = const_cast<IObserver *>(std::exchange(m_source, nullptr));
     const QVector<TChangeCode> codes = std::exchange(m_codes, {});
-    if (target == nullptr || codes.isEmpty())
+    if (target.IsGone() || codes.isEmpty())
         return;
     const auto isCode = [](TChangeCode code) { return code != CC_NONE; };
     const auto first = std::find_if(codes.begin(), codes.end(), isCode);
-    target->EndTransaction(first != codes.end() ? *first : CC_NONE, source);
+    target.Subject()->EndTransaction(first != codes.end() ? *first : CC_NONE, source);
     if (first == codes.end() || std::none_of(first + 1, codes.end(), isCode))
         return;
-    auto *observable = dynamic_cast<Observable *>(target);
+    auto *const observable = dynamic_cast<Observable *>(target.Subject());
     for (auto code = first + 1; observable != nullptr && code != codes.end(); ++code)
-        if (isCode(*code))
+        if (isCode(*code) && !target.IsGone())
             observable->NotifyObservers(*code, source);
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "valueclasses/isupporttransaction.h"
+#include "valueclasses/lifewatch.h"
 
 #include <QVector>
 
@@ -11,7 +11,8 @@ namespace values {
 /// Keeps one transaction open for as long as it lives.
 ///
 /// The end notifies with the first code that isn't CC_NONE; the others follow, one notification
-/// each, through the target's own NotifyObservers. The target must outlive the guard.
+/// each, through the target's own NotifyObservers. A target that is destroyed before leaves the
+/// guard empty. A guard ends on the thread that made it.
 class SPECTREE_EXPORT ValueTransaction {
 public:
     ValueTransaction() = default;
@@ -32,12 +33,12 @@ public:
     void Cancel();
     bool IsCanceled() const;
     /// False for an empty guard.
-    bool IsValid() const { return m_target != nullptr; }
+    bool IsValid() const { return !m_target.IsGone(); }
 
 private:
     void close();
 
-    ISupportTransaction *m_target = nullptr;
+    LifeWatch m_target;
     const IObserver *m_source = nullptr;
     QVector<TChangeCode> m_codes;
 };

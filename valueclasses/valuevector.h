@@ -62,7 +62,7 @@ private:
     void readItems(std::vector<T> items, IObserver *source);
     void replaceItems(std::vector<T> items, IObserver *source);
     void takeItems(std::vector<T> items);
-    void undoToPresent();
+    [[nodiscard]] bool undoToPresent(); // as AddUndo
 
     std::vector<T> m_items;
 };

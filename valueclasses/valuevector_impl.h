@@ -44,8 +44,8 @@ void ValueVector<T, F, S>::SetValue(const std::vector<T> &items, IObserver *sour
     if (IsChangeForeign())
         return PostChange([this, items, source] { SetValue(items, source); });
     std::vector<T> copy(items);
-    undoToPresent();
-    replaceItems(std::move(copy), source);
+    if (undoToPresent())
+        replaceItems(std::move(copy), source);
 }
 
 template <typename T, typename F, typename S>
@@ -62,7 +62,8 @@ void ValueVector<T, F, S>::Clear(IObserver *source)
 {
     if (PostIfForeign([this, source] { Clear(source); }))
         return;
-    undoToPresent();
+    if (!undoToPresent())
+        return;
     m_items.clear();
     if (Record())
         RecordCommand(new CommandClear(this, source));
@@ -82,7 +83,8 @@ void ValueVector<T, F, S>::readItems(std::vector<T> items, IObserver *source)
 {
     if (IsChangeForeign())
         return PostChange([this, items = std::move(items), source] { readItems(items, source); });
-    undoToPresent();
+    if (!undoToPresent())
+        return;
     m_items.swap(items);
     HasChanged(CC_VALUE, source);
 }
@@ -151,10 +153,9 @@ Command *ValueVector<T, F, S>::CreateNextCommand(int id, const char **pos, IObse
 }
 
 template <typename T, typename F, typename S>
-void ValueVector<T, F, S>::undoToPresent()
+bool ValueVector<T, F, S>::undoToPresent()
 {
-    if (GetUndoManager() != nullptr)
-        AddUndo(new CommandSetValue(this, m_items, nullptr));
+    return GetUndoManager() == nullptr || AddUndo(new CommandSetValue(this, m_items, nullptr));
 }
 
 } // namespace values

@@ -2,6 +2,7 @@
 // changed.
 #include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
+#include "valueclasses/lifewatch.h"
 #include "valueclasses/xml/xmltext.h"
 #include "valueclasses/xmlvaluefactory.h"
 #include "valuetree/path.h"
@@ -22,8 +23,8 @@ using Role = XmlDocument::Role;
 class ElementFields final : public XmlFields {
 public:
     ElementFields(const XmlDocument &document, std::size_t element,
-                  const ItemWatch *watch = nullptr, const ValueItem *item = nullptr)
-        : m_document(document), m_element(element), m_watch(watch), m_item(item)
+                  const LifeWatch *target = nullptr)
+        : m_document(document), m_element(element), m_target(target)
     {
     }
     XmlText Find(QStringView tag) const override
@@ -47,16 +48,12 @@ public:
             if (m_document.view(elements[i].name) == tag)
                 visit(ElementFields(m_document, i));
     }
-    bool IsTargetGone() const override
-    {
-        return m_watch != nullptr && (m_watch->isGone() || m_item->GetValue() == nullptr);
-    }
+    bool IsTargetGone() const override { return m_target != nullptr && m_target->IsGone(); }
 
 private:
     const XmlDocument &m_document;
     std::size_t m_element;
-    const ItemWatch *m_watch;
-    const ValueItem *m_item;
+    const LifeWatch *m_target;
 };
 
 class TreeReader {
@@ -223,12 +220,12 @@ void TreeReader::applyValue(Node &parent, std::size_t at, const QString &name)
             traceSkipped(name);
         return;
     }
-    const ItemWatch watch(there);
     ValueItem *const item = there->AsValueItem();
     ValueBase *const value = item != nullptr ? item->GetValue() : nullptr;
-    const ElementFields fields(m_document, at, &watch, item);
     if (value == nullptr)
         return traceSkipped(name);
+    const LifeWatch target(value);
+    const ElementFields fields(m_document, at, &target);
     const XmlValueBase &handler = XmlValueFactory::Instance().HandlerFor(*value);
     handler.Read(*value, fields);
 }

@@ -69,10 +69,15 @@ unsigned int ValueItemMapBase<T, F, A>::SetAt(unsigned int key, const T &item, I
     const T *const old = GetStored(key);
     if (old != nullptr && *old == item)
         return key;
-    if (GetUndoManager() != nullptr && old != nullptr)
-        AddUndo(new CommandMapSetAt<T, F, A>(this, key, *old, nullptr));
-    else if (GetUndoManager() != nullptr)
-        AddUndo(new CommandMapEraseAt<T, F, A>(this, key, nullptr));
+    if (GetUndoManager() != nullptr) {
+        Command *undo = nullptr;
+        if (old != nullptr)
+            undo = new CommandMapSetAt<T, F, A>(this, key, *old, nullptr);
+        else
+            undo = new CommandMapEraseAt<T, F, A>(this, key, nullptr);
+        if (!AddUndo(undo))
+            return key;
+    }
     T &stored = m_items.insert_or_assign(key, item).first->second;
     if constexpr (KeyItem<T>)
         stored.SetKey(key);
@@ -92,8 +97,9 @@ void ValueItemMapBase<T, F, A>::EraseAt(unsigned int key, IObserver *source)
     const auto found = m_items.find(key);
     if (found == m_items.end())
         return;
-    if (GetUndoManager() != nullptr)
-        AddUndo(new CommandMapSetAt<T, F, A>(this, key, found->second, nullptr));
+    if (GetUndoManager() != nullptr &&
+        !AddUndo(new CommandMapSetAt<T, F, A>(this, key, found->second, nullptr)))
+        return;
     m_items.erase(found);
     LogChange(valueitemmap::ItemErased, key);
     if (Record())
@@ -111,7 +117,8 @@ void ValueItemMapBase<T, F, A>::Clear(IObserver *source)
         return;
     if (GetUndoManager() != nullptr)
         for (const auto &[key, item] : m_items)
-            AddUndo(new CommandMapSetAt<T, F, A>(this, key, item, nullptr));
+            if (!AddUndo(new CommandMapSetAt<T, F, A>(this, key, item, nullptr)))
+                return;
     m_items.clear();
     LogChange(valueitemmap::MapCleared, GetInvalidKey());
     if (Record())
@@ -147,17 +154,19 @@ void ValueItemMapBase<T, F, A>::setAll(const Range &range, bool eraseOthers, boo
 {
     const ValueTransaction transaction(*this, CC_VALUE, source);
     std::unordered_set<unsigned int> others;
+    if (!transaction.IsValid())
+        return;
     if (eraseOthers && !compare)
         Clear(source);
     else if (eraseOthers)
         for (const auto &entry : m_items)
             others.insert(entry.first);
-    for (const auto &entry : range) {
-        others.erase(keyOf(entry));
-        SetAt(keyOf(entry), itemOf(entry), source);
+    for (auto entry = range.begin(); entry != range.end() && transaction.IsValid(); ++entry) {
+        others.erase(keyOf(*entry));
+        SetAt(keyOf(*entry), itemOf(*entry), source);
     }
-    for (const unsigned int key : others)
-        EraseAt(key, source);
+    for (auto key = others.begin(); key != others.end() && transaction.IsValid(); ++key)
+        EraseAt(*key, source);
 }
 
 template <typename T, typename F, typename A>

@@ -69,12 +69,15 @@ unsigned int ValueMultiSelection<Item, Format, Adapter, Exclusive>::SetAt(unsign
                                                                           const Item &item,
                                                                           IObserver *source)
 {
-    if (Exclusive && item.IsSelected() && !this->IsChangeForeign()) {
-        const unsigned int current = GetCurrentIndex();
-        if (current != key && current != this->GetInvalidKey())
-            RestoreSelectedAt(current, false, source);
-    }
-    return Base::SetAt(key, item, source);
+    const unsigned int current = Exclusive && item.IsSelected() && !this->IsChangeForeign()
+                                     ? GetCurrentIndex()
+                                     : this->GetInvalidKey();
+    if (current == key || current == this->GetInvalidKey())
+        return Base::SetAt(key, item, source);
+    const Item selected = item; // it may be the one that is deselected now
+    const LifeWatch watch(this);
+    RestoreSelectedAt(current, false, source);
+    return watch.IsGone() ? key : Base::SetAt(key, selected, source);
 }
 
 template <typename Item, typename Format, typename Adapter, bool Exclusive>
@@ -116,9 +119,10 @@ bool ValueMultiSelection<Item, Format, Adapter, Exclusive>::SelectOnlyAt(unsigne
     if (before == std::vector{index})
         return true;
     const ValueTransaction transaction(*this, CC_SELECTION, source);
-    SelectAt(index, true, source);
+    if (transaction.IsValid())
+        SelectAt(index, true, source);
     for (const unsigned int other : before)
-        if (other != index)
+        if (other != index && transaction.IsValid())
             SelectAt(other, false, source);
     return true;
 }
@@ -147,9 +151,10 @@ bool ValueMultiSelection<Item, Format, Adapter, Exclusive>::storeFlag(unsigned i
     const unsigned int other = replaces ? GetCurrentIndex() : this->GetInvalidKey();
     Item *const deselected = this->GetStored(other);
     const bool restoresOther = deselected != nullptr; // which deselects this one again
-    if (this->GetUndoManager() != nullptr)
-        this->AddUndo(
-            new FlagCommand(this, restoresOther ? other : index, restoresOther || !flag, nullptr));
+    if (this->GetUndoManager() != nullptr &&
+        !this->AddUndo(
+            new FlagCommand(this, restoresOther ? other : index, restoresOther || !flag, nullptr)))
+        return true;
     if (restoresOther) {
         deselected->SetSelected(false);
         this->LogChange(valueitemmap::ItemSet, other);

@@ -15,8 +15,8 @@ const QString kExact = QStringLiteral("exact");
 
 class DomFields final : public XmlFields {
 public:
-    DomFields(const XmlValueBase &handler, const QDomElement &element)
-        : m_handler(handler), m_element(element)
+    DomFields(const XmlValueBase &handler, const QDomElement &element, const LifeWatch &target)
+        : m_handler(handler), m_element(element), m_target(target)
     {
     }
     XmlText Find(QStringView tag) const override
@@ -32,12 +32,14 @@ public:
         const QString name = tag.toString();
         for (QDomElement group = m_element.firstChildElement(name); !group.isNull();
              group = group.nextSiblingElement(name))
-            visit(DomFields(m_handler, group));
+            visit(DomFields(m_handler, group, m_target));
     }
+    bool IsTargetGone() const override { return m_target.IsGone(); }
 
 private:
     const XmlValueBase &m_handler;
     QDomElement m_element;
+    const LifeWatch &m_target;
 };
 
 class DomSink final : public XmlFieldSink {
@@ -68,7 +70,8 @@ private:
 
 void XmlValueBase::FromXml(ValueBase *value, QDomElement &element) const
 {
-    const DomFields fields(*this, element);
+    const LifeWatch target(value);
+    const DomFields fields(*this, element, target);
     Check(*value, fields);
     Read(*value, fields);
 }
