@@ -8,6 +8,7 @@
 #include <QPointer>
 #include <QThread>
 
+#include <algorithm>
 #include <chrono>
 
 namespace values {
@@ -24,8 +25,43 @@ void NotifyDistinction::NotifyObservers(TChangeCode code, IObserver *source)
         m_owner->NotifyObserversDistinct(code, source);
         return;
     }
+    if (!notePosted(code, source))
+        return; // the one that waits will show what this one is about
     Kelm::syncRelease(this);
     QCoreApplication::postEvent(this, new NotifyEvent(code, source));
+}
+
+std::vector<NotifyDistinction::Posted>::iterator NotifyDistinction::find(TChangeCode code,
+                                                                         IObserver *source)
+{
+    return std::find_if(m_posted.begin(), m_posted.end(), [=](const Posted &posted) {
+        return posted.code == code && posted.source == source;
+    });
+}
+
+bool NotifyDistinction::notePosted(TChangeCode code, IObserver *source)
+{
+    const Kelm::MutexLocker lock(m_mutex);
+    const auto same = find(code, source);
+    if (same == m_posted.end())
+        m_posted.push_back({code, source, 1});
+    else if (m_countPosted >= kMaxWaiting)
+        return false;
+    else
+        ++same->count;
+    ++m_countPosted;
+    return true;
+}
+
+void NotifyDistinction::noteDelivered(TChangeCode code, IObserver *source)
+{
+    const Kelm::MutexLocker lock(m_mutex);
+    const auto same = find(code, source);
+    if (same == m_posted.end())
+        return; // posted by somebody else
+    --m_countPosted;
+    if (--same->count == 0)
+        m_posted.erase(same);
 }
 
 void NotifyDistinction::PostChange(std::function<void()> change)
@@ -83,6 +119,8 @@ void NotifyDistinction::customEvent(QEvent *event)
     if (notification == nullptr)
         return;
     Kelm::syncAcquire(this);
+    // First, so that a change from now on posts again.
+    noteDelivered(notification->GetCode(), notification->GetSource());
     m_owner->NotifyObserversDistinct(notification->GetCode(), notification->GetSource());
 }
 

@@ -8,6 +8,7 @@
 
 #include <condition_variable>
 #include <functional>
+#include <vector>
 
 namespace values {
 
@@ -35,7 +36,8 @@ public:
     /// \a owner isn't owned and outlives this object. Any thread may make one.
     explicit NotifyDistinction(ValueBase *owner);
 
-    /// Posts when the caller isn't on the application thread, else notifies at once.
+    /// Posts when the caller isn't on the application thread, else notifies at once. Behind 10 000
+    /// that wait, one with the code and source of a waiting one isn't posted again.
     void NotifyObservers(TChangeCode code, IObserver *source);
     /// Posts \a change, as ValueBase::PostChange tells. Not on the application thread.
     void PostChange(std::function<void()> change);
@@ -51,12 +53,25 @@ protected:
 private:
     static constexpr int kMaxWaiting = 10000;
 
+    /// Notifications of one code and source that are posted and not delivered.
+    struct Posted {
+        TChangeCode code;
+        IObserver *source;
+        int count;
+    };
+
+    std::vector<Posted>::iterator find(TChangeCode code, IObserver *source)
+        SPECTREE_REQUIRES(m_mutex);
+    bool notePosted(TChangeCode code, IObserver *source);
+    void noteDelivered(TChangeCode code, IObserver *source);
     void runChange(const std::function<void()> &change);
 
     ValueBase *m_owner;
     Kelm::Mutex m_mutex;
-    std::condition_variable_any m_less; // fewer changes wait than did
-    int m_waiting SPECTREE_GUARDED_BY(m_mutex) = 0;
+    std::condition_variable_any m_less;             // fewer changes wait than did
+    int m_waiting SPECTREE_GUARDED_BY(m_mutex) = 0; // changes
+    int m_countPosted SPECTREE_GUARDED_BY(m_mutex) = 0;
+    std::vector<Posted> m_posted SPECTREE_GUARDED_BY(m_mutex); // few, and none of a count of 0
     bool m_traced SPECTREE_GUARDED_BY(m_mutex) = false;
 };
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/base/bytes.h"
+#include "platform/base/krexception.h"
 #include "valueclasses/value.h"
 
 #include <charconv>
@@ -23,7 +24,13 @@ template <typename S, typename T>
 void appendCommand(std::string &out, int id, const T &value, int mode)
 {
     char bytes[32];
-    char *end = std::to_chars(bytes, bytes + 12, id).ptr;
+    char *end = bytes;
+    if (id >= 10 && id < 100) { // nearly every id
+        *end++ = char('0' + id / 10);
+        *end++ = char('0' + id % 10);
+    } else {
+        end = std::to_chars(bytes, bytes + 12, id).ptr;
+    }
     *end++ = ';';
     if constexpr (isRawField<T, S>) {
         if (!isTextMode(mode)) {
@@ -52,9 +59,21 @@ T readField(const char **pos, int mode, const char *functionName)
             return std::bit_cast<T>(image);
         }
     }
-    T value = S::FromStream(pos, mode);
-    Kelm::readTerminator(pos, "Value::CommandSetValue", functionName);
-    return value;
+    constexpr const char *className = "Value::CommandSetValue";
+    // A record has errors of its own; of any other field only the end can be missing.
+    if constexpr (std::is_void_v<DefaultFormat<T>>) {
+        T value = S::FromStream(pos, mode);
+        Kelm::readTerminator(pos, className, functionName);
+        return value;
+    } else {
+        try {
+            T value = S::FromStream(pos, mode);
+            Kelm::readTerminator(pos, className, functionName);
+            return value;
+        } catch (const KRException &error) {
+            throw KRException(error.GetReason(), __FILE__, className, functionName, __LINE__);
+        }
+    }
 }
 } // namespace Detail
 

@@ -164,12 +164,12 @@ void ValueBase::setProperty(Property property, bool on)
 
 void ValueBase::SetName(const QString &name, IObserver *source)
 {
-    // The tree's index belongs to the application thread.
-    if (m_deleteObserver != nullptr && isForeignThread())
-        return PostChange([this, name, source] { SetName(name, source); });
     if (name.isEmpty())
         throw KRException("Empty names are not allowed!", __FILE__, "ValueBase", "SetName",
                           __LINE__);
+    // The tree's index belongs to the application thread.
+    if (m_deleteObserver != nullptr && isForeignThread())
+        return PostChange([this, name, source] { SetName(name, source); });
     storeName(name);
     NotifyObservers(CC_NAME, source);
 }

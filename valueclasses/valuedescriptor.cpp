@@ -111,11 +111,8 @@ void ValueDescriptor::applyLimits(ValueBase &value) const
     case VTYPE_ValueNumericInt64:
     case VTYPE_ValueNumericFloat:
     case VTYPE_ValueNumericFloatWithOffset:
-        if (auto *const number = dynamic_cast<IValueNumeric *>(&value)) {
-            number->doubleSetMin(m_min, nullptr);
-            number->doubleSetMax(m_max, nullptr);
-            number->doubleSetStep(m_step, nullptr);
-        }
+        if (auto *const number = dynamic_cast<IValueNumeric *>(&value))
+            number->doubleSetMinMax(m_min, m_max, m_step, nullptr);
         break;
     case VTYPE_ValueSelection:
         if (auto *const selection = dynamic_cast<ValueSelection *>(&value))

@@ -134,8 +134,8 @@ template <typename Y, typename YHandler>
 requires SampleHandler<YHandler, Y>
 void ValueMap<Y, YHandler>::finishScan(KRTimeStamp recordedTime)
 {
-    if (this->IsChangeForeign())
-        return this->PostChange([this, recordedTime] { finishScan(recordedTime); });
+    if (this->PostIfForeign([this, recordedTime] { finishScan(recordedTime); }))
+        return;
     recalcScanRate();
     if (this->IsCommandRecording())
         this->AddCommand(new CommandEndOfScan(this, nullptr, recordedTime));
@@ -160,8 +160,8 @@ template <typename Y, typename YHandler>
 requires SampleHandler<YHandler, Y>
 void ValueMap<Y, YHandler>::SetTimeStamp(const KRTimeStamp &time)
 {
-    if (this->IsChangeForeign())
-        return this->PostChange([this, time] { SetTimeStamp(time); });
+    if (this->PostIfForeign([this, time] { SetTimeStamp(time); }))
+        return;
     this->m_timeStamp = time;
     recordForBoth<CommandSetTimeStamp>(time);
 }
@@ -170,8 +170,8 @@ template <typename Y, typename YHandler>
 requires SampleHandler<YHandler, Y>
 void ValueMap<Y, YHandler>::SetScanPerSecond(const double &rate)
 {
-    if (this->IsChangeForeign())
-        return this->PostChange([this, rate] { SetScanPerSecond(rate); });
+    if (this->PostIfForeign([this, rate] { SetScanPerSecond(rate); }))
+        return;
     this->m_scanPerSecond = rate;
     recordForBoth<CommandSetScanPerSecond>(rate);
 }
@@ -180,8 +180,8 @@ template <typename Y, typename YHandler>
 requires SampleHandler<YHandler, Y>
 void ValueMap<Y, YHandler>::SetWidth4Interpolation(double width)
 {
-    if (this->IsChangeForeign())
-        return this->PostChange([this, width] { SetWidth4Interpolation(width); });
+    if (this->PostIfForeign([this, width] { SetWidth4Interpolation(width); }))
+        return;
     this->m_width4Interpolation = width;
     recordForBoth<CommandSetWidth4Interpolation>(width);
 }
@@ -190,8 +190,8 @@ template <typename Y, typename YHandler>
 requires SampleHandler<YHandler, Y>
 void ValueMap<Y, YHandler>::SetDataCompressMode(char mode)
 {
-    if (this->IsChangeForeign())
-        return this->PostChange([this, mode] { SetDataCompressMode(mode); });
+    if (this->PostIfForeign([this, mode] { SetDataCompressMode(mode); }))
+        return;
     // First, since it remembers the mode that it ends.
     if (this->IsCommandRecordingForTransmission())
         this->AddCommandForTransmission(

@@ -16,8 +16,9 @@ class CommandSetValueNum;
 ///
 /// SetValue clips to the limits. A change of the limits leaves the value alone, even outside of
 /// them; the next SetValue clips. Undo and the strings of a value outside of its limits restore it
-/// there. A double beyond the range of a whole T becomes the nearest T, a NaN 0.
-/// Limits and step notify CC_LIMITS. Threads as in ValueBase. Bodies: valuenumeric_impl.h.
+/// there. A double beyond the range of a whole T becomes the nearest T, a NaN 0. A double that is
+/// no number has no place between limits: the setters ignore it. Limits and step notify CC_LIMITS.
+/// Threads as in ValueBase. Bodies: valuenumeric_impl.h.
 template <typename T, typename F = DefaultFormat<T>, typename S = StreamFormat<T, F>>
 class SPECTREE_EXPORT ValueNumeric : public Value<T, F, S>, public IValueNumeric {
 public:
@@ -62,6 +63,7 @@ public:
     void EndChangingValue(IObserver *source) override;
     ValueTransaction CreateTransaction(TChangeCode code, IObserver *source) override;
     double castToValueType(double value) const override { return double(fromDouble(value)); }
+    void doubleSetMinMax(double minimum, double maximum, double step, IObserver *source) override;
 
     ValueType GetType() const override { return NumericKind<T>::kType; }
     QString GetTypeName() const override { return QLatin1String(NumericKind<T>::kTypeName); }

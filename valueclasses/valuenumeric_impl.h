@@ -13,6 +13,13 @@ namespace values {
 namespace Detail {
 __extension__ using WideInt = __int128; // holds any number, step and count of this system
 
+/// Whether limits can hold it.
+template <typename T>
+bool isNumber(T value)
+{
+    return value == value; // a NaN equals nothing
+}
+
 /// value + step * n, no further than any T goes.
 template <typename T>
 T stepped(T value, T step, int n)
@@ -37,7 +44,7 @@ ValueNumeric<T, F, S>::ValueNumeric(QString name, T value, T minimum, T maximum,
                                     TValueState state)
     : Base(std::move(name), state), m_min(minimum), m_max(maximum), m_step(step)
 {
-    this->m_value = m_changingValue = clipped(value);
+    this->m_value = m_changingValue = Detail::isNumber(value) ? clipped(value) : m_min;
 }
 
 template <typename T, typename F, typename S>
@@ -91,7 +98,7 @@ void ValueNumeric<T, F, S>::SetMinMax(const QPair<T, T> &limits, T step, IObserv
 template <typename T, typename F, typename S>
 void ValueNumeric<T, F, S>::storeValue(T value, IObserver *source)
 {
-    if (value == this->m_value)
+    if (value == this->m_value || !Detail::isNumber(value))
         return;
     m_changingValue = clipped(value);
     changeValue(m_changingValue, source);
@@ -133,10 +140,11 @@ void ValueNumeric<T, F, S>::forEachValueCommand(Visit visit) const
 template <typename T, typename F, typename S>
 void ValueNumeric<T, F, S>::storeLimit(T &limit, T number, int kind, IObserver *source)
 {
-    this->ChangeField(limit, number, CC_LIMITS, source,
-                      [this, kind](T state, IObserver *on, CommandUse use) {
-                          return CreateNumberCommand(state, kind, on, use);
-                      });
+    if (Detail::isNumber(number))
+        this->ChangeField(limit, number, CC_LIMITS, source,
+                          [this, kind](T state, IObserver *on, CommandUse use) {
+                              return CreateNumberCommand(state, kind, on, use);
+                          });
 }
 
 template <typename T, typename F, typename S>
@@ -151,7 +159,9 @@ void ValueNumeric<T, F, S>::storeLimits(T minimum, T maximum, T step, IObserver 
                               {m_max, maximum, Number::MaximumId},
                               {m_step, step, Number::StepId}};
     const auto differs = [](const Change &change) { return !(change.field == change.number); };
-    if (std::none_of(std::begin(changes), std::end(changes), differs))
+    const auto isNumber = [](const Change &change) { return Detail::isNumber(change.number); };
+    if (std::none_of(std::begin(changes), std::end(changes), differs) ||
+        !std::all_of(std::begin(changes), std::end(changes), isNumber))
         return;
     for (const Change &change : changes)
         if (this->GetUndoManager() != nullptr && differs(change) &&
@@ -213,6 +223,13 @@ void ValueNumeric<T, F, S>::doubleSetStep(double step, IObserver *source)
 }
 
 template <typename T, typename F, typename S>
+void ValueNumeric<T, F, S>::doubleSetMinMax(double minimum, double maximum, double step,
+                                            IObserver *source)
+{
+    SetMinMax(fromDouble(minimum), fromDouble(maximum), fromDouble(step), source);
+}
+
+template <typename T, typename F, typename S>
 void ValueNumeric<T, F, S>::StepUp(unsigned short n, IObserver *source)
 {
     if (!this->PostIfForeign([=, this] { ValueNumeric::StepUp(n, source); }))
@@ -236,7 +253,7 @@ void ValueNumeric<T, F, S>::doubleSetChangingValue(double value, IObserver *sour
 template <typename T, typename F, typename S>
 void ValueNumeric<T, F, S>::storeChangingValue(double stored, IObserver *source)
 {
-    if (fromDouble(stored) == m_changingValue)
+    if (fromDouble(stored) == m_changingValue || !Detail::isNumber(stored))
         return;
     m_changingValue = fromDouble(std::min(std::max(stored, double(m_min)), double(m_max)));
     this->NotifyObservers(CC_CHANGING, source);

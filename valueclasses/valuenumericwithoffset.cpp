@@ -63,7 +63,7 @@ void ValueNumericWithOffset<T, F, S>::EndChangingValue(IObserver *source)
 template <typename T, typename F, typename S>
 void ValueNumericWithOffset<T, F, S>::SetOffset(T offset, IObserver *source)
 {
-    if (this->PostIfForeign([=, this] { SetOffset(offset, source); }))
+    if (!std::isfinite(offset) || this->PostIfForeign([=, this] { SetOffset(offset, source); }))
         return;
     const T value = GetValue(), minimum = GetMin(), maximum = GetMax();
     const LifeWatch watch(this);

@@ -29,7 +29,7 @@ public:
     void EndChangingValue(IObserver *source) override;
 
     T GetOffset() const { return m_offset; }
-    /// The outside view stays, the stored numbers move.
+    /// The outside view stays, the stored numbers move. One that isn't finite is ignored.
     void SetOffset(T offset, IObserver *source);
     /// Offset and limits in one transaction; a value that is outside of the new limits goes to the
     /// nearer one. Notifies CC_VALUE and CC_LIMITS where something changed.

@@ -2,6 +2,7 @@
 #include "platform/base/krexception.h"
 #include "valueclasses/ivaluedescriptormap.h"
 #include "valueclasses/valuefactory.h"
+#include "valueclasses/xmlvaluefactory.h"
 #include "valuetree/treewatch_p.h"
 #include "valuetree/valueitem.h"
 #include "valuetree/vtxml.h"
@@ -64,6 +65,9 @@ bool canKeep(TreeItem &child)
         reason = "it has no value";
     else if (item != nullptr && !ValueFactory::Instance().IsRegistered(item->GetValue()->GetType()))
         reason = "its kind can't be made";
+    else if (item != nullptr &&
+             !XmlValueFactory::Instance().HandlerFor(*item->GetValue()).Fits(*item->GetValue()))
+        reason = "its class is not the one of its type";
     if (reason != nullptr)
         traceLost(child, reason);
     return reason == nullptr;

@@ -3,6 +3,7 @@
 #include "valueclasses/commands/streamformat.h"
 #include "valueclasses/commands/valuecommands.h"
 #include "valueclasses/testvalue.h"
+#include "valueclasses/value.h"
 
 #include <gmock/gmock.h>
 
@@ -92,6 +93,9 @@ TEST(StreamFormat, ReadsOddTexts)
     EXPECT_EQ(read(0, ""), 0);
     EXPECT_EQ(read(0, " 7 "), 7);
     EXPECT_EQ(read(0, "99999999999"), 0);
+    EXPECT_EQ(read(short(0), "40000"), 0) << "rather than what is left of it in 16 bits";
+    EXPECT_EQ(read(short(0), "-32768"), -32768);
+    EXPECT_EQ(read(0U, "-1"), 0U);
     EXPECT_EQ(read(0.0, "1e3"), 1000.0);
     EXPECT_EQ(read(0.0, "inf"), std::numeric_limits<double>::infinity());
     EXPECT_EQ(read(0.0, "-"), 0.0);
@@ -143,7 +147,7 @@ TEST(CommandString, RefusesWhatIsMalformedAndChangesNothing)
     struct Case {
         std::string bytes;
         int mode;
-        std::string reason;
+        std::string reason, className = {};
     } const cases[] = {
         {"1;2;6;", -1, "Invalid command id: 6"},
         {"1;2;99999999999;", -1, "Invalid command id: 2147483647"},
@@ -155,24 +159,29 @@ TEST(CommandString, RefusesWhatIsMalformedAndChangesNothing)
          "There is no TChangeCode specified for received call on ValueBase::EndTransaction()"},
         {"1;2;0;-1;", -1, "Syntax error in TChangeCode: -1"},
         {"1;2;0;1", -1, noEnd},
-        {"1;2;1;2", -1, noEnd},
-        {"1;\x02\0\0\0x"s, 0, badFormat},
-        {"5;\x02\0\0\0x"s, 0, badFormat},
-        {"2;\x01\0\0\0xx"s, 0, badFormat},
-        {"2;\xFF\xFF\xFF\xFFx;", 0, noEnd},
-        {"7;\xFF\xFF\xFF\x7Fx;", 0, noEnd},
-        {"7;\x01\0\0\0xx"s, 0, noEnd},
-        {"7;abc", -1, noEnd},
+        {"1;2;1;2", -1, badFormat, "ValueBase::CommandSetState"},
+        {"1;\x02\0\0\0x"s, 0, badFormat, "ValueBase::CommandSetState"},
+        {"5;\x02\0\0\0x"s, 0, badFormat, "ValueBase::CommandUpdateTimerTime"},
+        {"2;\x01\0\0\0xx"s, 0, badFormat, "ValueBase::CommandSetValueDescriptor"},
+        {"2;\xFF\xFF\xFF\xFFx;", 0, badFormat, "ValueBase::CommandSetValueDescriptor"},
+        {"7;\xFF\xFF\xFF\x7Fx;", 0, noEnd, "ValueBase::CommandSetTranslationNamespace"},
+        {"7;\x01\0\0\0xx"s, 0, noEnd, "ValueBase::CommandSetTranslationNamespace"},
+        {"7;abc", -1, noEnd, "ValueBase::CommandSetTranslationNamespace"},
+        {"20;5", -1, noEnd, "Value::CommandSetValue"},
+        {"20;\x05\0\0"s, 0, noEnd, "Value::CommandSetValue"},
     };
     for (const auto &row : cases) {
         SCOPED_TRACE(::testing::PrintToString(row.bytes));
-        TestValue value;
+        Value<int> value;
         std::vector<std::unique_ptr<KELM::ICommand>> commands(1);
         try {
             value.SetCommandString(row.bytes, commands, nullptr, row.mode);
             ADD_FAILURE() << "no error";
         } catch (const KRException &error) {
             EXPECT_EQ(error.what(), row.reason);
+            if (!row.className.empty()) {
+                EXPECT_EQ(error.GetClassName(), row.className);
+            }
         }
         EXPECT_EQ(commands.size(), 1U);
         EXPECT_THROW(value.SetCommandString(row.bytes, nullptr, row.mode), KRException);

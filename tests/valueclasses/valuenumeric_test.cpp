@@ -125,6 +125,18 @@ TEST(ValueNumeric, ExtremesNeitherOverflowNorCut)
     value.doubleSetValue(std::nan(""), nullptr);
     EXPECT_EQ(value.GetValue(), 0);
 
+    ValueNumericWithOffset<double> real;
+    real.SetMinMax(-5, 5, 1, nullptr);
+    real.SetMinMax(-6, 6, std::nan(""), nullptr);
+    real.SetMax(std::nan(""), nullptr);
+    real.SetOffset(-INFINITY, nullptr);
+    real.SetValue(3, nullptr);
+    real.SetValue(std::nan(""), nullptr);
+    real.doubleSetChangingValue(std::nan(""), nullptr);
+    EXPECT_THAT((std::array{real.GetMin(), real.GetMax(), real.GetValue()}), ElementsAre(-5, 5, 3));
+    EXPECT_EQ(real.doubleGetChangingValue(), 3);
+    EXPECT_EQ(ValueNumeric<double>("n", std::nan(""), 2, 4).GetValue(), 2);
+
     Value<double> plain;
     CodeLog log;
     plain.AddObserver(&log);

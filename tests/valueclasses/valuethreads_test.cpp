@@ -1,6 +1,7 @@
 // Which thread may do what with a value, and how changes cross over to the application thread.
 #include "platform/base/errorhandler.h"
 #include "platform/base/kelmos.h"
+#include "platform/base/krexception.h"
 #include "valueclasses/notifydistinction.h"
 #include "valueclasses/testvalue.h"
 
@@ -104,6 +105,30 @@ TEST(ValueThreads, AFloodWaitsForTheApplicationThreadAndLosesNothing)
     }
     flood.join();
     ErrorHandler::Instance().SetTraceMask(TraceWarnings);
+}
+
+TEST(ValueThreads, AFloodOfNotificationsEndsWithTheNewestState)
+{
+    constexpr int kWaiting = 10000;
+    CodeLog log, other;
+    TestValue value;
+    int seen = 0;
+    log.then = [&](Observable *, TChangeCode) { seen = value.GetState(); };
+    value.AddObserver(&log);
+    runElsewhere([&] {
+        for (int i = 1; i <= 3 * kWaiting; ++i)
+            value.SetState(TValueState(i), nullptr);
+        value.HasChanged(CC_VALUE, &other);
+        EXPECT_THROW(value.SetName("", nullptr), KRException);
+    });
+    QCoreApplication::processEvents();
+    std::vector<int> expected(kWaiting, CC_STATE);
+    expected.push_back(CC_VALUE);
+    EXPECT_EQ(log.take(), expected);
+    EXPECT_EQ(seen, 3 * kWaiting);
+    runElsewhere([&] { value.HasChanged(CC_STATE, nullptr); });
+    QCoreApplication::processEvents();
+    EXPECT_THAT(log.take(), ElementsAre(CC_STATE)) << "what was delivered waits no more";
 }
 
 TEST(ValueThreads, WhatIsUnderWayDiesWithTheValue)

@@ -38,7 +38,7 @@ TEST_F(Descriptors, CreateMakesEachKindWithWhatWasDeclared)
     const ValueDescriptor plain("plain", "/D", &intType, "5"),
         number("number", "/D", &longType, "7", -10, 10, 2),
         real("real", "/D", &floatType, "1.5", 1, 3),
-        shifted("shifted", "/D", &offsetType, "4", -5, 5),
+        shifted("shifted", "/D", &offsetType, "4", -5, 5, 0),
         choice("choice", "/D", &selectionType, "on", items, 2), stream("stream", "/D", &streamType);
     const ValueDescriptor *const all[] = {&plain, &number, &real, &shifted, &choice, &stream};
     TreeLog log;
@@ -54,7 +54,7 @@ TEST_F(Descriptors, CreateMakesEachKindWithWhatWasDeclared)
                     "\t/number = 7 ( *** unknown type *** )\n"
                     "\t/real = 1.500000 (NumericFloat: Min=1, Max=3, Step=1, Unit=, Basis=0)\n"
                     "\t/shifted = 4.000000 (NumericFloatWithOffset: Offset=0 Min=-5, Max=5, "
-                    "Step=1, Unit=, Basis=0)\n"
+                    "Step=0, Unit=, Basis=0)\n"
                     "\t/choice = on (Selection: [ off/0/1 on/1/2 ] )\n"
                     "\t/stream =  ( *** unknown type *** )\n");
     auto *const whole =

@@ -4,6 +4,7 @@
 #include "platform/base/userquestion.h"
 #include "platform/base/xmlformat.h"
 #include "valueclasses/ivaluedescriptormap.h"
+#include "valueclasses/value_impl.h"
 #include "valueclasses/valuebuffer.h"
 #include "valueclasses/valuefactory.h"
 #include "valueclasses/valuelist.h"
@@ -215,6 +216,23 @@ TEST(VtXml, LosesNoTextAndNoNumber)
     enable(*made);
     EXPECT_TRUE(made->GetNode("U")->Compare(under));
     EXPECT_EQ(XmlFormat::Format(single.GetString()), single.GetString());
+}
+
+/// Prints a number in a way of its own, so that the value is of another class than its type says.
+struct Hexadecimal {
+    static QString GetString(int number) { return QString::number(number, 16); }
+    static int GetValue(const QString &text) { return text.toInt(nullptr, 16); }
+};
+
+TEST(VtXml, LeavesOutAndRefusesAClassThatIsNotTheOneOfItsType)
+{
+    Node root;
+    root.AddValue("plain", new Int("plain", 17));
+    root.AddValue("hex", new Value<int, Hexadecimal, StreamFormat<int>>("hex", 17));
+    const QString xml = VtXml::ToXml(&root);
+    EXPECT_FALSE(xml.contains("hex"));
+    EXPECT_EQ(reasonOf(root, QString(xml).replace("plain", "hex")),
+              "Value \"hex\": its class has no form for a ValueInt");
 }
 
 TEST(VtXml, EscapesOnlyNamesThatNeedIt)

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <limits>
 #include <string_view>
+#include <utility>
 
 namespace values {
 
@@ -29,15 +30,10 @@ T numberFrom(const QString &text)
     if constexpr (std::same_as<T, std::uint64_t>) {
         return text.toULongLong();
     } else {
-        // The widest that the type, or an int in its place, can hold; more than that is no number.
-        using Limits = std::numeric_limits<std::conditional_t<std::same_as<T, Kelm::Long>, int, T>>;
-        const qlonglong lowest = std::numeric_limits<int>::min();
-        const auto highest = qlonglong(std::max<qulonglong>(Limits::max(), INT_MAX));
+        using Integer = std::conditional_t<std::same_as<T, char>, signed char, T>;
+        using Number = std::conditional_t<std::same_as<T, Kelm::Long>, int, Integer>;
         const qlonglong number = text.toLongLong();
-        if constexpr (sizeof(T) == 8)
-            return number;
-        else
-            return number < lowest || number > highest ? T(0) : static_cast<T>(number);
+        return std::in_range<Number>(number) ? T(Number(number)) : T(0);
     }
 }
 

@@ -11,8 +11,8 @@
 
 namespace values {
 
-/// The printable forms of field types: GetString and GetValue. A text that isn't a number, or is
-/// too large, reads as 0.
+/// The printable forms of field types: GetString and GetValue. A text that isn't a number, or one
+/// that the type can't hold, reads as 0.
 namespace Format {
 
 /// The text up to the next ";", on which the cursor is left. \throws KRException without one.

@@ -22,13 +22,21 @@ TChangeCode readChangeCode(const char **pos, const char *emptyMessage, const cha
     return TChangeCode(code);
 }
 
-void readEnd(const char **pos, const char *className, const char *functionName)
+/// The one field of a command, and its end. Bytes that run out inside the field miss their end.
+template <typename T>
+T readField(const char **pos, int mode, const char *reason, const char *className,
+            const char *functionName)
 {
-    if (Kelm::bytesLeft(*pos) == 0 || **pos != ';')
-        throw KRException("Passed string has unexpected format", __FILE__, className, functionName,
-                          __LINE__);
-    ++*pos;
+    try {
+        T value = StreamFormat<T>::FromStream(pos, mode);
+        Kelm::readTerminator(pos, className, functionName);
+        return value;
+    } catch (const KRException &) {
+        throw KRException(QString::fromLatin1(reason), __FILE__, className, functionName, __LINE__);
+    }
 }
+
+constexpr const char *kUnexpectedFormat = "Passed string has unexpected format";
 
 } // namespace
 
@@ -96,9 +104,9 @@ ValueBase::CommandSetState::CommandSetState(ValueBase *value, TValueState state,
 ValueBase::CommandSetState::CommandSetState(ValueBase *value, const char **pos, IObserver *source,
                                             int mode)
     : CommandOnValue(kId, value, pos, source),
-      m_state(TValueState(StreamFormat<int>::FromStream(pos, mode)))
+      m_state(TValueState(readField<int>(pos, mode, kUnexpectedFormat, "ValueBase::CommandSetState",
+                                         "CommandSetState")))
 {
-    readEnd(pos, "ValueBase::CommandSetState", "CommandSetState");
 }
 
 void ValueBase::CommandSetState::Execute() { GetValue()->SetState(m_state, GetSource()); }
@@ -123,8 +131,9 @@ ValueBase::CommandSetValueDescriptor::CommandSetValueDescriptor(ValueBase *value
                                                                 IObserver *source, int mode)
     : CommandOnValue(kId, value, pos, source), m_descriptor(nullptr)
 {
-    const QString key = StreamFormat<QString>::FromStream(pos, mode);
-    readEnd(pos, "ValueBase::CommandSetValueDescriptor", "CommandSetValueDescriptor");
+    const auto key =
+        readField<QString>(pos, mode, kUnexpectedFormat, "ValueBase::CommandSetValueDescriptor",
+                           "CommandSetValueDescriptor");
     if (const IValueDescriptorMap *known = IValueDescriptorMap::Instance())
         m_descriptor = known->Find(key);
 }
@@ -211,9 +220,10 @@ ValueBase::CommandUpdateTimerTime::CommandUpdateTimerTime(ValueBase *value,
 ValueBase::CommandUpdateTimerTime::CommandUpdateTimerTime(ValueBase *value, const char **pos,
                                                           IObserver *source, int mode)
     : CommandOnValue(kId, value, pos, source),
-      m_milliseconds(unsigned(StreamFormat<int>::FromStream(pos, mode)))
+      m_milliseconds(
+          unsigned(readField<int>(pos, mode, kUnexpectedFormat, "ValueBase::CommandUpdateTimerTime",
+                                  "CommandUpdateTimerTime")))
 {
-    readEnd(pos, "ValueBase::CommandUpdateTimerTime", "CommandUpdateTimerTime");
 }
 
 void ValueBase::CommandUpdateTimerTime::Execute()
@@ -245,10 +255,10 @@ ValueBase::CommandSetTranslationNamespace::CommandSetTranslationNamespace(ValueB
                                                                           IObserver *source,
                                                                           int mode)
     : CommandOnValue(kId, value, pos, source),
-      m_name(StreamFormat<std::string>::FromStream(pos, mode))
+      m_name(readField<std::string>(pos, mode, "Command string is not terminated with ';'",
+                                    "ValueBase::CommandSetTranslationNamespace",
+                                    "CommandSetTranslationNamespace"))
 {
-    Kelm::readTerminator(pos, "ValueBase::CommandSetTranslationNamespace",
-                         "CommandSetTranslationNamespace");
 }
 
 void ValueBase::CommandSetTranslationNamespace::Execute() { ExecuteOn(GetValue()); }

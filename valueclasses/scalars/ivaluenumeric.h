@@ -32,6 +32,9 @@ public:
     virtual ValueTransaction CreateTransaction(TChangeCode code, IObserver *source) = 0;
     /// \a value as the type of the value holds it: cut towards zero for whole numbers.
     virtual double castToValueType(double value) const = 0;
+    /// All three at once, with one notification.
+    virtual void doubleSetMinMax(double minimum, double maximum, double step,
+                                 IObserver *source) = 0;
 };
 
 } // namespace values

@@ -50,10 +50,16 @@ T XmlValue<T, F>::fieldOf(const XmlText &field)
 }
 
 template <typename T, typename F>
+bool XmlValue<T, F>::Fits(const ValueBase &value) const
+{
+    return dynamic_cast<const Value<T, F> *>(&value) != nullptr;
+}
+
+template <typename T, typename F>
 void XmlValue<T, F>::Write(ValueBase &value, XmlFieldSink &sink) const
 {
     XmlValueBase::Write(value, sink);
-    writeField(u"Value", dynamic_cast<Value<T, F> &>(value).GetValue(), sink);
+    writeField(u"Value", static_cast<Value<T, F> &>(value).GetValue(), sink);
 }
 
 template <typename T, typename F>
@@ -75,14 +81,20 @@ void XmlValue<T, F>::Read(ValueBase &value, const XmlFields &fields) const
     if (field.exact.isEmpty())
         value.SetStringValue(field.text, nullptr);
     else
-        dynamic_cast<Value<T, F> &>(value).SetValue(fieldOf(field), nullptr);
+        static_cast<Value<T, F> &>(value).SetValue(fieldOf(field), nullptr);
+}
+
+template <typename T, typename F>
+bool XmlValueNumeric<T, F>::Fits(const ValueBase &value) const
+{
+    return dynamic_cast<const ValueNumeric<T, F> *>(&value) != nullptr;
 }
 
 template <typename T, typename F>
 void XmlValueNumeric<T, F>::Write(ValueBase &value, XmlFieldSink &sink) const
 {
     XmlValue<T, F>::Write(value, sink);
-    const auto &number = dynamic_cast<const ValueNumeric<T, F> &>(value);
+    const auto &number = static_cast<const ValueNumeric<T, F> &>(value);
     this->writeField(u"Max", number.GetMax(), sink);
     this->writeField(u"Min", number.GetMin(), sink);
     this->writeField(u"Step", number.GetStep(), sink);
@@ -112,7 +124,7 @@ template <typename T, typename F>
 void XmlValueNumeric<T, F>::Read(ValueBase &value, const XmlFields &fields) const
 {
     using Number = ValueNumeric<T, F>;
-    auto &number = dynamic_cast<Number &>(value);
+    auto &number = static_cast<Number &>(value);
     const auto apply = [&](QStringView tag, void (Number::*set)(T, IObserver *)) {
         const XmlText field = fields.IsTargetGone() ? XmlText() : fields.Find(tag);
         if (field.present)

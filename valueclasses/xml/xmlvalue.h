@@ -10,6 +10,7 @@ namespace values {
 template <typename T, typename F = DefaultFormat<T>>
 class SPECTREE_EXPORT XmlValue : public XmlValueBase {
 public:
+    bool Fits(const ValueBase &value) const override;
     void Write(ValueBase &value, XmlFieldSink &sink) const override;
     void Check(ValueBase &value, const XmlFields &fields) const override;
     void Read(ValueBase &value, const XmlFields &fields) const override;
@@ -26,6 +27,7 @@ protected:
 template <typename T, typename F = DefaultFormat<T>>
 class SPECTREE_EXPORT XmlValueNumeric : public XmlValue<T, F> {
 public:
+    bool Fits(const ValueBase &value) const override;
     void Write(ValueBase &value, XmlFieldSink &sink) const override;
     void Check(ValueBase &value, const XmlFields &fields) const override;
     void Read(ValueBase &value, const XmlFields &fields) const override;

@@ -78,6 +78,7 @@ void XmlValueBase::FromXml(ValueBase *value, QDomElement &element) const
 
 void XmlValueBase::ToXml(ValueBase *value, QDomElement &element, QDomDocument &document) const
 {
+    requireFit(*value);
     DomSink sink(*this, element, document);
     Write(*value, sink);
 }
@@ -112,6 +113,7 @@ void XmlValueBase::Write(ValueBase &value, XmlFieldSink &sink) const
 
 void XmlValueBase::Check(ValueBase &value, const XmlFields &fields) const
 {
+    requireFit(value);
     const QString type = fields.Find(u"Type").text;
     if (type != value.GetTypeName() && !type.isEmpty() &&
         !ReadsType(ValueFactory::Instance().TypeForTypeName(type)))
@@ -130,6 +132,12 @@ void XmlValueBase::Read(ValueBase &value, const XmlFields &fields) const
     const QString key = XmlTextForms::TextOf(fields.Find(u"ValueDescriptor"));
     const auto *const map = IValueDescriptorMap::Instance();
     value.SetValueDescriptor(key.isEmpty() || map == nullptr ? nullptr : map->Find(key));
+}
+
+void XmlValueBase::requireFit(const ValueBase &value) const
+{
+    if (!Fits(value))
+        fail(value, QStringLiteral("its class has no form for a %1").arg(value.GetTypeName()));
 }
 
 void XmlValueBase::fail(const ValueBase &value, const QString &reason)

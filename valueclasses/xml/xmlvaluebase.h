@@ -24,9 +24,13 @@ public:
     /// The text of the first element of that name, if its first child is a text.
     virtual QString GetXmlValueByName(const QDomElement &element, const QString &tag) const;
 
+    /// Whether this handler can write and read \a value: a class that an application derives may
+    /// have the type number of another one.
+    virtual bool Fits(const ValueBase &) const { return true; }
     /// The type name, and the key of the descriptor if there is one.
     virtual void Write(ValueBase &value, XmlFieldSink &sink) const;
     /// \throws KRException when the fields can't be read into \a value, which isn't touched.
+    /// Whoever writes or reads without a check asks Fits first.
     virtual void Check(ValueBase &value, const XmlFields &fields) const;
     /// Takes the fields over, which Check has let pass; each change notifies. The descriptor goes
     /// where the fields name none that is known.
@@ -36,6 +40,9 @@ protected:
     /// Whether the fields of another kind will do.
     virtual bool ReadsType(ValueType) const { return false; }
     [[noreturn]] static void fail(const ValueBase &value, const QString &reason);
+
+private:
+    void requireFit(const ValueBase &value) const;
 };
 
 } // namespace values

@@ -32,10 +32,15 @@ std::unique_ptr<SelectionItem> itemOf(const XmlFields &fields)
 
 } // namespace
 
+bool XmlValueSelection::Fits(const ValueBase &value) const
+{
+    return dynamic_cast<const ValueSelection *>(&value) != nullptr;
+}
+
 void XmlValueSelection::Write(ValueBase &value, XmlFieldSink &sink) const
 {
     XmlValueBase::Write(value, sink);
-    const auto &selection = dynamic_cast<const ValueSelection &>(value);
+    const auto &selection = static_cast<const ValueSelection &>(value);
     const SelectionItem *const current = selection.GetCurrentItem();
     const QString name = selection.GetStringValue();
     writeText(u"CurrentSelection", name, sink);
@@ -60,7 +65,7 @@ void XmlValueSelection::Check(ValueBase &value, const XmlFields &fields) const
 void XmlValueSelection::Read(ValueBase &value, const XmlFields &fields) const
 {
     XmlValueBase::Read(value, fields);
-    auto &selection = dynamic_cast<ValueSelection &>(value);
+    auto &selection = static_cast<ValueSelection &>(value);
     selection.DeleteItems(nullptr);
     fields.ForEach(u"SelectionItem", [&](const XmlFields &item) {
         if (!fields.IsTargetGone())

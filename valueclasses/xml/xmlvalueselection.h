@@ -9,6 +9,7 @@ namespace values {
 /// which one it is.
 class SPECTREE_EXPORT XmlValueSelection : public XmlValueBase {
 public:
+    bool Fits(const ValueBase &value) const override;
     void Write(ValueBase &value, XmlFieldSink &sink) const override;
     void Check(ValueBase &value, const XmlFields &fields) const override;
     void Read(ValueBase &value, const XmlFields &fields) const override;
