@@ -1,6 +1,7 @@
 // Observers: notification, its hand-over to the application thread, deletion by the last observer.
 #include "platform/base/errorhandler.h"
 #include "platform/base/kelmos.h"
+#include "platform/base/kelmos_p.h"
 #include "platform/base/sync.h"
 #include "valueclasses/commands/valuecommands.h"
 #include "valueclasses/notifydistinction.h"
@@ -33,7 +34,7 @@ void ValueBase::HasChanged(TChangeCode code, IObserver *source)
 
 void ValueBase::NotifyObservers(TChangeCode code, IObserver *source)
 {
-    if (Kelm::isAcceptableThread() || Kelm::isUnloading()) [[likely]] {
+    if (Kelm::Detail::isAcceptableThread() || Kelm::isUnloading()) [[likely]] {
         if (hasFlag(NotifyEnabled))
             notifyHere(code, source);
         return;

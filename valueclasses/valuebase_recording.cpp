@@ -139,7 +139,9 @@ void ValueBase::SetCommandString(const std::string &commands,
     const std::size_t before = out.size();
     try {
         while (pos < end) {
-            const int id = ExtractCommandId(pos);
+            int id = shortCommandId(pos, std::size_t(end - pos));
+            if (id < 0)
+                id = ExtractCommandId(pos);
             if (id < 0)
                 break;
             std::unique_ptr<Command> command(CreateNextCommand(id, &pos, source, mode));

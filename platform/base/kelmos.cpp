@@ -1,20 +1,22 @@
 #include "platform/base/kelmos.h"
 
+#include "platform/base/kelmos_p.h"
+
 #include <QCoreApplication>
 
 #include <atomic>
 #include <chrono>
 #include <exception>
 
+constinit std::atomic<const void *> Kelm::Detail::appThread{nullptr};
+constinit thread_local char Kelm::Detail::threadMark = 0;
+
 namespace {
 
-// Constant-initialised, so that a check before and after all constructors is sound.
-std::atomic<const void *> appThread{nullptr};
-std::atomic<bool> unloading{false};
+using Kelm::Detail::appThread;
+using Kelm::Detail::threadMark;
 
-// The address of a thread-local is unique among living threads and costs no call to read.
-// The model spares the lookup that a shared library otherwise makes for each access.
-thread_local char threadMark __attribute__((tls_model("initial-exec")));
+std::atomic<bool> unloading{false};
 
 void forgetAppThread() { appThread.store(nullptr, std::memory_order_relaxed); }
 
@@ -60,11 +62,7 @@ const IKelmOS &KelmOS::Get()
     return *platform;
 }
 
-bool Kelm::isAcceptableThread()
-{
-    const void *known = appThread.load(std::memory_order_relaxed);
-    return known == nullptr || known == &threadMark;
-}
+bool Kelm::isAcceptableThread() { return Detail::isAcceptableThread(); }
 
 bool Kelm::isUnloading() { return unloading.load(std::memory_order_relaxed); }
 void Kelm::setUnloading(bool on) { unloading.store(on, std::memory_order_relaxed); }

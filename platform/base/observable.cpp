@@ -9,6 +9,7 @@ struct Observable::Call {
     Observable *subject;
     Call *outer;
     IObserver *source;
+    bool disturbed = false; // the list has moved, or the subject is gone
     // Of the outermost call: wishes that wait for its end. Few calls have any.
     std::unique_ptr<std::vector<IObserver *>> toFront;
 
@@ -26,8 +27,15 @@ struct Observable::Call {
 
 Observable::~Observable()
 {
+    disturbCalls();
     for (Call *call = m_running; call != nullptr; call = call->outer)
         call->subject = nullptr;
+}
+
+void Observable::disturbCalls()
+{
+    for (Call *call = m_running; call != nullptr; call = call->outer)
+        call->disturbed = true;
 }
 
 void Observable::AddObserver(IObserver *observer)
@@ -37,6 +45,7 @@ void Observable::AddObserver(IObserver *observer)
         return;
     m_observers.push_back(observer);
     ++m_count;
+    disturbCalls();
 }
 
 void Observable::DeleteObserver(IObserver *observer)
@@ -96,16 +105,21 @@ IObserver *Observable::GetNotificationSource() const
 void Observable::NotifyObservers(TChangeCode code, IObserver *source)
 {
     Call call(this, source);
-    const std::size_t end = m_observers.size();
-    for (std::size_t i = 0; i < end; ++i) {
-        IObserver *observer = m_observers[i];
+    IObserver *const *list = m_observers.data();
+    const std::size_t count = m_observers.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        IObserver *const observer = list[i];
         // The source may be gone by now, so it is compared and never asked.
-        if (observer == nullptr || observer == source ||
-            (source != nullptr && observer->KnownAs() == source))
+        if (observer == nullptr ||
+            (source != nullptr && (observer == source || observer->KnownAs() == source)))
             continue;
         observer->Update(this, code);
+        if (!call.disturbed) [[likely]]
+            continue;
         if (call.subject == nullptr)
             return;
+        call.disturbed = false;
+        list = m_observers.data();
     }
 }
 

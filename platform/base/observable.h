@@ -55,6 +55,7 @@ protected:
 private:
     struct Call;
     void endCall(Call &call);
+    void disturbCalls();
     void moveToFront(IObserver *observer);
 
     std::vector<IObserver *> m_observers; // null: removed while a call was running

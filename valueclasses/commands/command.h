@@ -30,6 +30,11 @@ public:
     Command(const Command &) = default;
     Command &operator=(const Command &) = default;
 
+    /// Small commands come and go by the thousand: each thread keeps up to 4 MiB of their memory a
+    /// size, until it ends.
+    static void *operator new(std::size_t size);
+    static void operator delete(void *block, std::size_t size);
+
     /// Does nothing here.
     void Execute() override;
     int GetCommandId() const override { return m_id; }

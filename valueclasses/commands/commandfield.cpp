@@ -30,23 +30,23 @@ void skipCommandField(const char **pos, std::string_view field, const char *clas
 
 void skipCommandId(const char **pos)
 {
-    const std::size_t left = Kelm::bytesLeft(*pos), length = fieldLength(*pos, left);
+    const std::size_t left = Kelm::bytesLeft(*pos);
+    if (shortCommandId(*pos, left) >= 0) {
+        *pos += 3;
+        return;
+    }
+    const std::size_t length = fieldLength(*pos, left);
     if (length == 0)
         throw KRException("The command id in the passed string is empty.", __FILE__,
                           "ValueBase::CommandOnValue", "CommandOnValue", __LINE__);
     *pos += length;
-    if (length < left && **pos == ';')
-        ++*pos;
-    else
-        Kelm::readTerminator(pos, "ValueBase::CommandOnValue", "CommandOnValue");
+    Kelm::readTerminator(pos, "ValueBase::CommandOnValue", "CommandOnValue");
 }
 
 int parseDigits(std::string_view field, const char *message, const char *className,
                 const char *functionName)
 {
     const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
-    if (field.size() == 2 && isDigit(field[0]) && isDigit(field[1])) // nearly every id
-        return 10 * (field[0] - '0') + field[1] - '0';
     if (!std::all_of(field.begin(), field.end(), isDigit))
         throw KRException(
             QString::fromLatin1(message).arg(QString::fromLatin1(field.data(), int(field.size()))),

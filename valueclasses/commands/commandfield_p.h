@@ -7,6 +7,14 @@
 
 namespace values {
 
+/// The number of an id of two digits and its ";", as nearly every one is; else -1.
+inline int shortCommandId(const char *position, std::size_t left)
+{
+    if (left < 3 || position[2] != ';')
+        return -1;
+    const unsigned tens = unsigned(position[0]) - '0', ones = unsigned(position[1]) - '0';
+    return tens < 10 && ones < 10 ? int(10 * tens + ones) : -1;
+}
 /// The bytes up to the next ";", zero byte or end of the string, found in place: a copy of the rest
 /// would make the parse of a long string quadratic.
 std::string_view commandField(const char *position);
