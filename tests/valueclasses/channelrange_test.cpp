@@ -171,8 +171,9 @@ TEST(ChannelRangeDefinition, FindsTheRangeOfEachId)
         for (const auto *definition : {&ascending, &mixed}) {
             const auto *range = definition->FindIndexedRange(id);
             ASSERT_EQ(range != nullptr, held);
-            if (held)
+            if (held) {
                 EXPECT_EQ(range->firstChannelId, first);
+            }
         }
     }
 }
