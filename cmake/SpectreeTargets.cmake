@@ -25,6 +25,10 @@ function(spectree_finish_library target)
     target_link_libraries(${target}
         PUBLIC Qt5::Core Qt5::Gui Qt5::Xml Boost::headers PkgConfig::ZMQ
         PRIVATE PkgConfig::ZSTD Threads::Threads)
+    if(NOT SPECTREE_SANITIZE)
+        # The library calls its own functions directly, not through a table that could be changed.
+        target_link_options(${target} PRIVATE -Wl,-Bsymbolic-functions)
+    endif()
     set_target_properties(${target} PROPERTIES
         VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} EXPORT_NAME spectree)
 endfunction()

@@ -105,13 +105,22 @@ IObserver *Observable::GetNotificationSource() const
 void Observable::NotifyObservers(TChangeCode code, IObserver *source)
 {
     Call call(this, source);
+    if (source == nullptr)
+        callObservers(call, code, [](const IObserver *) { return false; });
+    else // which may be gone by now, so it is compared and never asked
+        callObservers(call, code, [source](const IObserver *observer) {
+            return observer == source || observer->KnownAs() == source;
+        });
+}
+
+template <typename IsSource>
+inline void Observable::callObservers(Call &call, TChangeCode code, IsSource isSource)
+{
     IObserver *const *list = m_observers.data();
     const std::size_t count = m_observers.size();
     for (std::size_t i = 0; i < count; ++i) {
         IObserver *const observer = list[i];
-        // The source may be gone by now, so it is compared and never asked.
-        if (observer == nullptr ||
-            (source != nullptr && (observer == source || observer->KnownAs() == source)))
+        if (observer == nullptr || isSource(observer))
             continue;
         observer->Update(this, code);
         if (!call.disturbed) [[likely]]

@@ -56,6 +56,8 @@ private:
     struct Call;
     void endCall(Call &call);
     void disturbCalls();
+    template <typename IsSource>
+    void callObservers(Call &call, TChangeCode code, IsSource isSource);
     void moveToFront(IObserver *observer);
 
     std::vector<IObserver *> m_observers; // null: removed while a call was running
