@@ -4,6 +4,8 @@
 
 namespace values {
 
+class ValueBase;
+
 /// A functor over commands: which one is meant.
 class SPECTREE_EXPORT CommandPredicate {
 public:
@@ -26,10 +28,12 @@ public:
     /// Replaces the command of the open stack for which \a predicate holds. Owns \a command only
     /// when the answer is true.
     virtual bool ReplaceUndoCommand_If(CommandPredicate *predicate, KELM::ICommand *command) = 0;
+    /// Takes the command of the open stack out for which \a predicate holds. False without one.
+    virtual bool RemoveUndoCommand_If(CommandPredicate *predicate) = 0;
     /// Forgets everything, unless undo runs.
     virtual void ResetUndoStacks() = 0;
-    /// The same while undo runs, too: a value goes that the commands would change.
-    virtual void ForgetValues() { ResetUndoStacks(); }
+    /// A value goes of which commands came here: forgets everything, while undo runs too.
+    virtual void ForgetValue(const ValueBase *value) = 0;
 };
 
 } // namespace values

@@ -101,13 +101,35 @@ bool IUndoManager::IsAlive(const IUndoManager *manager)
     return std::find(living.begin(), living.end(), manager) != living.end();
 }
 
-/// A value goes that a manager was given commands of. It may have had several managers.
-static void forgetUndo()
+void ValueBase::SetUndoManager(IUndoManager *manager)
 {
-    const std::vector<IUndoManager *> present = livingManagers();
-    for (IUndoManager *manager : present)
+    IUndoManager *const before = m_undoManager.exchange(manager);
+    const bool hadUndo = hasFlag(HasUndo);
+    if (before == manager || (m_rare == nullptr && !hadUndo))
+        return;
+    auto &former = rare().formerUndoManagers;
+    if (hadUndo)
+        former.push_back(before);
+    setFlag(HasUndo, std::erase(former, manager) > 0);
+    // Their ends will be told to the new manager; the old one would wait for them for ever.
+    for (const Rare::OpenBracket &open : std::exchange(rare().openBrackets, {})) {
+        FindCommandEndTransactionPredicate isOurs(open.bracket);
+        if (IUndoManager::IsAlive(before))
+            before->RemoveUndoCommand_If(&isOurs);
+    }
+}
+
+/// This value goes: managers that were given commands of it can restore nothing any more.
+void ValueBase::forgetUndo()
+{
+    std::vector<IUndoManager *> managers;
+    if (m_rare != nullptr)
+        managers.swap(m_rare->formerUndoManagers);
+    if (hasFlag(HasUndo))
+        managers.push_back(GetUndoManager());
+    for (IUndoManager *manager : managers)
         if (IUndoManager::IsAlive(manager)) // a listener of an earlier one may end it
-            manager->ForgetValues();
+            manager->ForgetValue(this);
 }
 
 ValueBase::~ValueBase()
@@ -133,8 +155,7 @@ ValueBase::~ValueBase()
     // An observer that wasn't told, for a transaction is open, would keep a dangling pointer.
     setFlag(NotifyEnabled, true);
     ValueBase::NotifyObservers(CC_STATE, nullptr);
-    if (hasFlag(HasUndo))
-        forgetUndo();
+    forgetUndo();
     if (m_rare != nullptr && m_rare->notifyDeleteFn)
         std::exchange(m_rare->notifyDeleteFn, nullptr)(this);
     if (m_deleteObserver != nullptr)

@@ -38,7 +38,7 @@ class ValueItem;
 ///            ends the process.
 /// Ownership: commands belong to the list that holds them; observers, tree item, descriptor and
 ///            undo manager are not owned. A value whose changes went to an undo manager empties it
-///            when it dies, since nothing can restore it.
+///            when it dies, since nothing can restore it; other managers it leaves alone.
 /// Errors:    KRException, with nothing changed.
 class SPECTREE_EXPORT ValueBase : public IValue,
                                   public IDeleteSubject,
@@ -126,7 +126,9 @@ public:
 
     // Undo and recording. On and Off are counted.
     IUndoManager *GetUndoManager() const { return m_undoManager.load(std::memory_order_relaxed); }
-    void SetUndoManager(IUndoManager *manager) { m_undoManager.store(manager); }
+    /// Changes go to \a manager from now on, or to none for null. What went to another one stays
+    /// there; a transaction that is open is undone there change by change.
+    void SetUndoManager(IUndoManager *manager);
     void CommandRecordingOn();
     void CommandRecordingOff();
     bool IsCommandRecording() const { return hasFlag(Recording); }
@@ -178,6 +180,9 @@ public:
     virtual void KillOverrideTimer(int id);
 
 protected:
+    /// Called before the commands of the whole state are formed, for a class that has to bring up to
+    /// date what it keeps. Nothing here.
+    virtual void PrepareObjectState() {}
     virtual void AddObjectStateStringForTransmission(std::string &out, unsigned int mode);
     virtual void AddObjectStateStringForRecording(std::string &out);
     /// Both own \a command from the call on.
@@ -262,7 +267,7 @@ private:
         AutoDelete = 8,
         HandsOver = 16,     // an application object existed at construction
         ChangesPosted = 32, // changes of other threads wait on the application thread
-        HasUndo = 64,       // an undo manager was given a command of this value
+        HasUndo = 64,       // the undo manager was given a command of this value
     };
     enum Property : unsigned int { PropertyStore = 1, PropertyExport = 2 };
 
@@ -276,6 +281,7 @@ private:
     void setProperty(Property property, bool on);
     void storeName(const QString &name);
     bool isForeignThread() const;
+    void forgetUndo();
     Rare &rare();
     void updateRecordingFlags();
     void releaseCommands();

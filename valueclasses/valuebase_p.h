@@ -24,6 +24,7 @@ struct ValueBase::Rare {
     CommandList commandListForTransmission;
     IObserver *transactionSource = nullptr; // of the outermost StartTransaction
     std::vector<OpenBracket> openBrackets;
+    std::vector<IUndoManager *> formerUndoManagers; // that were given commands of this value
     std::string translationNamespace = "VdStr";
     QString lastCompletePathName;
     std::function<void(ValueBase *)> notifyDeleteFn;

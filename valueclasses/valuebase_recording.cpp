@@ -197,6 +197,7 @@ Command *ValueBase::CreateNextCommand(int id, const char **pos, IObserver *sourc
 std::string ValueBase::GetObjectStateStringForTransmission(unsigned int mode)
 {
     std::string out;
+    PrepareObjectState();
     AddObjectStateStringForTransmission(out, mode);
     return out;
 }
@@ -204,6 +205,7 @@ std::string ValueBase::GetObjectStateStringForTransmission(unsigned int mode)
 std::string ValueBase::GetObjectStateStringForRecording()
 {
     std::string out;
+    PrepareObjectState();
     AddObjectStateStringForRecording(out);
     return out;
 }

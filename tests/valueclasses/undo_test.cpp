@@ -143,23 +143,69 @@ TEST_F(UndoTest, BreaksOffWhenACommandFailsOrItsValueGoes)
     dying->SetUndoManager(&undo);
     const std::function<void()> steps[] = {[&] { dying.reset(); },
                                            [] { throw KRException("no", "", "", "", 0); }};
+    other.AddObserver(&log);
     for (const auto &step : steps) {
         stack("below", [&] {
-            value.SetValue(1, nullptr);
+            const ValueTransaction ofDying(dying != nullptr ? *dying : other, CC_VALUE, nullptr);
+            {
+                const ValueTransaction notReached(value, CC_VALUE, nullptr);
+                value.SetValue(1, nullptr);
+            }
+            const ValueTransaction broken(other, CC_LIMITS, nullptr);
+            other.SetValue(1, nullptr);
             if (dying != nullptr)
                 dying->SetValue(1, nullptr);
             undo.AddUndoCommand(new Step(step));
+            other.SetValue(2, nullptr);
         });
+        log.take();
         try {
             EXPECT_TRUE(undo.ExecuteUndoStacks(1));
         } catch (const KRException &error) {
             EXPECT_EQ(error.GetReason(), "no");
         }
         EXPECT_EQ(value.GetValue(), 1);
+        EXPECT_EQ(other.GetValue(), 1);
+        EXPECT_FALSE(other.IsTransactionActive()) << "nobody stays muted";
+        EXPECT_EQ(log.take().size(), 1U);
         EXPECT_FALSE(undo.IsExecuting());
         EXPECT_THAT(undo.GetUndoStackDescriptions(), IsEmpty());
         value.SetValue(0, nullptr);
     }
+}
+
+TEST_F(UndoTest, AValueLeavesWhatItDidToTheManagerThatItHad)
+{
+    UndoManager second(3), third(3);
+    third.OpenNewUndoStack("untouched");
+    third.AddUndoCommand(new Step([] {}));
+    third.FinishCurrentUndoStack();
+    {
+        Value<int> leaving;
+        leaving.AddObserver(&log);
+        leaving.SetUndoManager(&undo);
+        undo.OpenNewUndoStack("left");
+        leaving.StartTransaction(nullptr);
+        leaving.SetValue(1, nullptr);
+        undo.FinishCurrentUndoStack(); // waits for the end of the transaction
+        leaving.Assign(Value<int>());
+        EXPECT_THAT(undo.GetUndoStackDescriptions(), ElementsAre("left"));
+        leaving.SetUndoManager(&second);
+        leaving.EndTransaction(CC_NONE, nullptr);
+        leaving.SetValue(5, nullptr);
+        log.take();
+        EXPECT_TRUE(undo.ExecuteUndoStacks(1));
+        EXPECT_EQ(leaving.GetValue(), 0);
+        EXPECT_THAT(log.take(), ElementsAre(CC_VALUE));
+        set(1);
+        second.OpenNewUndoStack("gone");
+        leaving.SetValue(2, nullptr);
+        second.FinishCurrentUndoStack();
+        leaving.SetUndoManager(nullptr);
+    }
+    EXPECT_THAT(undo.GetUndoStackDescriptions(), IsEmpty());
+    EXPECT_THAT(second.GetUndoStackDescriptions(), IsEmpty());
+    EXPECT_THAT(third.GetUndoStackDescriptions(), ElementsAre("untouched"));
 }
 
 TEST_F(UndoTest, AManagerMayDieBeforeItsValues)

@@ -20,9 +20,9 @@ public:
     Command *Clone() const override;
     /// On whose behalf the change is made, or null.
     IObserver *GetSource() const { return m_source; }
+    ValueBase *GetValue() const { return m_value; }
 
 protected:
-    ValueBase *GetValue() const { return m_value; }
     /// A separator inside a command: text mode only, nothing in any other.
     static void AddSemicolon(std::string &out, int mode);
     static void EatSemicolon(const char **pos, int mode);

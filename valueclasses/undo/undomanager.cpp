@@ -1,7 +1,10 @@
 #include "valueclasses/undo/undomanager.h"
 
+#include "platform/base/errorhandler.h"
 #include "valueclasses/commands/valuecommands.h"
 
+#include <algorithm>
+#include <map>
 #include <utility>
 
 namespace values {
@@ -58,25 +61,45 @@ bool UndoManager::AddUndoCommand(KELM::ICommand *command)
     if (isOpenBracket(*own))
         ++m_currentStack->openBrackets;
     m_currentStack->commands.push_back(std::move(own));
-    if (m_finishWanted && m_currentStack->openBrackets == 0)
-        keepCurrentStack();
+    if (m_finishWanted)
+        FinishCurrentUndoStack();
     return true;
+}
+
+UndoManager::Commands::iterator UndoManager::findLast(const CommandPredicate &predicate)
+{
+    auto &commands = m_currentStack->commands;
+    const auto found = std::find_if(commands.rbegin(), commands.rend(),
+                                    [&](const auto &command) { return predicate(*command); });
+    return found != commands.rend() ? found.base() - 1 : commands.end();
 }
 
 bool UndoManager::ReplaceUndoCommand_If(CommandPredicate *predicate, KELM::ICommand *command)
 {
     if (m_executing || m_currentStack == nullptr || predicate == nullptr || command == nullptr)
         return false;
-    auto &commands = m_currentStack->commands;
-    for (auto entry = commands.rbegin(); entry != commands.rend(); ++entry) {
-        if (!(*predicate)(**entry))
-            continue;
-        if (isOpenBracket(**entry))
-            --m_currentStack->openBrackets;
-        entry->reset(command);
-        return true;
-    }
-    return false;
+    const auto found = findLast(*predicate);
+    if (found == m_currentStack->commands.end())
+        return false;
+    if (isOpenBracket(**found))
+        --m_currentStack->openBrackets;
+    found->reset(command);
+    return true;
+}
+
+bool UndoManager::RemoveUndoCommand_If(CommandPredicate *predicate)
+{
+    if (m_executing || m_currentStack == nullptr || predicate == nullptr)
+        return false;
+    const auto found = findLast(*predicate);
+    if (found == m_currentStack->commands.end())
+        return false;
+    if (isOpenBracket(**found))
+        --m_currentStack->openBrackets;
+    m_currentStack->commands.erase(found);
+    if (m_finishWanted)
+        FinishCurrentUndoStack();
+    return true;
 }
 
 void UndoManager::FinishCurrentUndoStack()
@@ -126,17 +149,57 @@ bool UndoManager::ExecuteUndoStacks(unsigned int count)
 
 void UndoManager::run(UndoStack &stack)
 {
-    while (!stack.commands.empty() && !m_abandoned) {
-        const std::unique_ptr<KELM::ICommand> command = std::move(stack.commands.back());
-        stack.commands.pop_back();
-        command->Execute();
+    try {
+        while (!stack.commands.empty() && !m_abandoned) {
+            const std::unique_ptr<KELM::ICommand> command = std::move(stack.commands.back());
+            stack.commands.pop_back();
+            command->Execute();
+        }
+    } catch (...) {
+        endTransactions(stack);
+        throw;
     }
+    endTransactions(stack);
+}
+
+/// A run that breaks off leaves the ends of the transactions in \a stack that it has begun: without
+/// them a value would notify nobody any more. The others are left, with their ends.
+void UndoManager::endTransactions(const UndoStack &stack)
+{
+    std::map<const ValueBase *, int> notBegun;
+    for (auto rest = stack.commands.rbegin(); rest != stack.commands.rend(); ++rest) {
+        auto *const command = dynamic_cast<ValueBase::CommandOnValue *>(rest->get());
+        if (command == nullptr || isGone(command->GetValue()))
+            continue;
+        const int id = command->GetCommandId();
+        int &skipped = notBegun[command->GetValue()];
+        if (id == ValueBase::CommandStartTransaction::kId)
+            ++skipped;
+        if (id != ValueBase::CommandEndTransaction::kId)
+            continue;
+        if (skipped > 0) {
+            --skipped;
+            continue;
+        }
+        try {
+            command->Execute();
+        } catch (const std::exception &error) { // the first one is on its way
+            SPECTREE_TRACE(TraceWarnings, QStringLiteral("The end of a transaction failed: %1")
+                                              .arg(QString::fromUtf8(error.what())));
+        }
+    }
+}
+
+bool UndoManager::isGone(const ValueBase *value) const
+{
+    return std::find(m_gone.begin(), m_gone.end(), value) != m_gone.end();
 }
 
 void UndoManager::executionEnded()
 {
     if (std::exchange(m_abandoned, false))
         m_stacks.clear();
+    m_gone.clear();
     m_executing = false;
     m_executionListeners.Notify(&IUndoExecutionListener::OnUndoExecutionEnd);
     tellRecordings();
@@ -151,12 +214,12 @@ void UndoManager::ResetUndoStacks()
     tellRecordings();
 }
 
-void UndoManager::ForgetValues()
+void UndoManager::ForgetValue(const ValueBase *value)
 {
-    if (m_executing)
-        m_abandoned = true;
-    else
-        ResetUndoStacks();
+    if (!m_executing)
+        return ResetUndoStacks();
+    m_abandoned = true;
+    m_gone.push_back(value);
 }
 
 std::vector<QString> UndoManager::GetUndoStackDescriptions() const

@@ -51,15 +51,16 @@ public:
     bool AddUndoCommand(KELM::ICommand *command) override;
     /// Searches the open stack from its end.
     bool ReplaceUndoCommand_If(CommandPredicate *predicate, KELM::ICommand *command) override;
+    bool RemoveUndoCommand_If(CommandPredicate *predicate) override;
     /// Keeps the open stack unless it is empty. While a transaction that began in it is open it
     /// stays open, too, and is finished with the end of the last one.
     void FinishCurrentUndoStack();
     /// Undoes the newest \a count stacks. False, with nothing done, for 0, for more than there are,
-    /// while a stack is open and while undo runs. \throws what a command throws, with the history
-    /// emptied.
+    /// while a stack is open and while undo runs. \throws what a command throws: the run ends there,
+    /// with the transactions ended that it had begun, and the history emptied.
     bool ExecuteUndoStacks(unsigned int count);
     void ResetUndoStacks() override;
-    void ForgetValues() override;
+    void ForgetValue(const ValueBase *value) override;
 
     /// Of the finished stacks, oldest first.
     std::vector<QString> GetUndoStackDescriptions() const;
@@ -75,7 +76,11 @@ public:
 private:
     void keepCurrentStack();
     void run(UndoStack &stack);
+    void endTransactions(const UndoStack &stack);
+    bool isGone(const ValueBase *value) const;
     void executionEnded();
+    using Commands = std::vector<std::unique_ptr<KELM::ICommand>>;
+    Commands::iterator findLast(const CommandPredicate &predicate);
     void tellRecordings() const;
 
     UndoRecordingsListenerNotifier m_recordingsListeners;
@@ -83,7 +88,8 @@ private:
     std::unique_ptr<UndoStack> m_currentStack;
     bool m_finishWanted = false; // the current stack waits for its brackets
     bool m_executing = false;
-    bool m_abandoned = false; // what is left to run would change a value that is gone
+    bool m_abandoned = false;               // what is left to run isn't run any more
+    std::vector<const ValueBase *> m_gone; // values that went while undo runs
     std::deque<std::unique_ptr<UndoStack>> m_stacks; // finished, oldest first
     unsigned int m_maxStacksSize;
 };
