@@ -61,6 +61,14 @@ void Node::SetValueDescriptor(const ValueDescriptor *descriptor, IObserver * /*s
     m_descriptor = descriptor;
 }
 
+void Node::SetAutoDeleteAtAddValue(bool on)
+{
+    ManageValue::SetAutoDeleteAtAddValue(on);
+    for (TreeItem *child = m_first; child != nullptr; child = child->m_next)
+        if (child->m_kind == Kind::Node)
+            child->SetAutoDeleteAtAddValue(on);
+}
+
 void Node::SetAllValuesAutoDelete(bool on)
 {
     for (TreeItem *child = m_first; child != nullptr; child = child->m_next)
@@ -114,8 +122,9 @@ void Node::link(TreeItem &item)
     ++m_count;
     if (m_viewValid)
         m_view.push_back(&item);
-    item.m_toldAhead = item.m_toldOfEnd = false;
-    item.SetAutoDeleteAtAddValue(IsAutoDeleteAtAddValue());
+    item.revive();
+    if (item.IsAutoDeleteAtAddValue() != IsAutoDeleteAtAddValue())
+        item.SetAutoDeleteAtAddValue(IsAutoDeleteAtAddValue());
     item.setParent(this);
     if (PathIndex *const index = top()->m_index.get())
         index->Add(item);
@@ -124,6 +133,7 @@ void Node::link(TreeItem &item)
 void Node::unlink(TreeItem &item)
 {
     ChildWalk::tellUnlinked(item);
+    m_uniqueNext = 0;
     if (PathIndex *const index = top()->m_index.get())
         index->Remove(item);
     if (m_viewValid) {
@@ -141,35 +151,55 @@ void Node::unlink(TreeItem &item)
     item.setParent(nullptr);
 }
 
-/// Makes what is missing of \a path, and hangs \a item below its last node; false changes nothing.
-bool Node::place(QStringView path, TreeItem *item)
+void Node::reviveChildren()
+{
+    m_childrenNotified = false;
+    for (TreeItem *child = m_first; child != nullptr; child = child->m_next)
+        child->revive();
+}
+
+/// Where something new is to stand: below the last node of a path that exists, and nodes that are
+/// missing. Nothing can stand where there is no such node.
+struct Node::Place {
+    bool reaches(int levels) const
+    {
+        return at != nullptr &&
+               at->depth() + int(missing.size()) + levels <= TreePathHelpers::kMaximumDepth;
+    }
+    bool isFree(QStringView name) const { return !missing.empty() || at->child(name) == nullptr; }
+    /// \a item is null when the nodes are all that is wanted.
+    void fill(TreeItem *item) const;
+
+    Node *at = nullptr;
+    std::vector<QString> missing;
+};
+
+Node::Place Node::placeAt(QStringView path) const
 {
     if (path.endsWith(QChar('/')))
         path.chop(1);
-    Node *at = this;
-    std::vector<QString> missing;
-    if (TreeItem *const there = path.isEmpty() ? this : find(path)) {
+    Place place;
+    Node *at = const_cast<Node *>(this);
+    if (TreeItem *const there = path.isEmpty() ? at : find(path)) {
         at = there->AsNode();
     } else {
         for (const QStringView &name : path.split(QChar('/'))) {
             if (name.isEmpty())
-                return false;
-            TreeItem *const next = missing.empty() ? at->child(name) : nullptr;
+                return {};
+            TreeItem *const next = place.missing.empty() ? at->child(name) : nullptr;
             if (next == nullptr)
-                missing.push_back(name.toString());
+                place.missing.push_back(name.toString());
             else if ((at = next->AsNode()) == nullptr)
-                return false;
+                return {};
         }
     }
-    if (at == nullptr || at->m_ending)
-        return false;
-    const int levels = int(missing.size());
-    if (item == nullptr ? at->depth() + levels > TreePathHelpers::kMaximumDepth
-                        : !at->canTake(*item, levels + 1))
-        return false;
-    if (missing.empty() && (item == nullptr || at->child(item->m_name) != nullptr))
-        return item == nullptr;
+    if (at != nullptr && !at->m_ending)
+        place.at = at;
+    return place;
+}
 
+void Node::Place::fill(TreeItem *item) const
+{
     TreeItem *subtree = item;
     for (auto name = missing.rbegin(); name != missing.rend(); ++name) {
         auto *const node = new Node(*name);
@@ -178,40 +208,64 @@ bool Node::place(QStringView path, TreeItem *item)
             node->link(*subtree);
         subtree = node;
     }
-    if (item != nullptr && item->m_kind == Kind::ValueItem && at->IsAutoDeleteAtAddValue())
-        item->SetAllValuesAutoDelete(true);
+    if (subtree == nullptr)
+        return;
     at->link(*subtree);
     at->NotifyObservers(CC_CHILD_ADDED, nullptr);
-    return true;
 }
 
 bool Node::AddNode(const QString &path, Node *child)
 {
-    return child != nullptr && !child->m_name.isEmpty() && place(path, child);
+    if (child == nullptr || child->m_name.isEmpty())
+        return false;
+    const Place place = placeAt(path);
+    if (place.at == nullptr || !place.isFree(child->m_name) ||
+        !place.at->canTake(*child, int(place.missing.size()) + 1))
+        return false;
+    place.fill(child);
+    return true;
 }
 
 bool Node::AddNode(const QString &path) { return AddValue(path, nullptr); }
 
 bool Node::AddValue(QString path, ValueBase *value)
 {
-    if (value == nullptr)
-        return place(path, nullptr);
-    const int cut = path.lastIndexOf('/');
-    const QString name = path.isEmpty() ? value->GetName() : path.mid(cut + 1);
-    if (name.isEmpty() || value->GetDeleteObserver() != nullptr ||
-        (!path.isEmpty() && find(path) != nullptr))
-        return false;
-    const QString ownName = value->GetName();
-    if (name != ownName)
-        value->SetName(name, nullptr);
-    auto *const item = new ValueItem(value);
-    if (place(QStringView(path).left(std::max(cut, 0)), item))
+    if (value == nullptr) {
+        const Place place = placeAt(path);
+        if (!place.reaches(0))
+            return false;
+        place.fill(nullptr);
         return true;
-    item->releaseValue(ValueItem::OnRelease::Keep);
-    delete item;
-    if (name != ownName && !ownName.isEmpty())
-        value->SetName(ownName, nullptr);
-    return false;
+    }
+    const int cut = path.lastIndexOf('/');
+    const QStringView parent = QStringView(path).left(std::max(cut, 0));
+    const QString ownName = value->GetName();
+    const QString name = path.isEmpty() ? ownName : path.mid(cut + 1);
+    Place place = placeAt(parent);
+    const auto canStand = [&] {
+        return value->GetDeleteObserver() == nullptr && place.reaches(1) && place.isFree(name);
+    };
+    if (name.isEmpty() || !canStand())
+        return false;
+    if (name != ownName) {
+        const bool isObserved = value->HasObservers();
+        const ItemWatch watch(this);
+        const LifeWatch valueWatch(value);
+        value->SetName(name, nullptr);
+        if (watch.isGone() || valueWatch.IsGone())
+            return false;
+        if (isObserved)
+            place = placeAt(parent); // its observers may have changed the tree
+        if (isObserved && !canStand()) {
+            if (!ownName.isEmpty() && value->GetDeleteObserver() == nullptr)
+                value->SetName(ownName, nullptr);
+            return false;
+        }
+    }
+    if (place.at->IsAutoDeleteAtAddValue())
+        value->SetAutoDelete(true);
+    place.fill(new ValueItem(value));
+    return true;
 }
 
 ValueBase *Node::CreateValue(QString path, const ValueBase &prototype)
@@ -221,6 +275,8 @@ ValueBase *Node::CreateValue(QString path, const ValueBase &prototype)
         const ValueItem *const item = const_cast<TreeItem *>(present)->AsValueItem();
         return item != nullptr ? item->GetValue() : nullptr;
     }
+    if (!placeAt(QStringView(whole).left(std::max(whole.lastIndexOf('/'), 0))).reaches(1))
+        return nullptr;
     std::unique_ptr<ValueBase> value(ValueFactory::Instance().CloneValue(prototype));
     if (value == nullptr || !AddValue(whole, value.get()))
         return nullptr;
@@ -246,11 +302,9 @@ bool Node::deleteValueItem(ValueItem &item)
         item.NotifyObservers(CC_ABOUT_TO_DELETE, nullptr);
     }
     if (!watch.isGone())
-        item.tellOfEnd(nullptr);
+        item.SetParent(nullptr, true);
     if (watch.isGone())
         return true;
-    if (item.m_parent != nullptr)
-        item.m_parent->unlink(item);
     const bool deleted = item.DeleteValue(QString());
     if (!watch.isGone())
         delete &item;
@@ -275,13 +329,18 @@ void Node::requireTakeable(const TreeItem *item) const
                           __FILE__, "Node", "AddItem", __LINE__);
 }
 
+bool Node::requireNew(const TreeItem &item) const
+{
+    _Q_assert(item.m_parent != this,
+              "std::find(m_TreeItems.cbegin(), m_TreeItems.cend(), pItem) == m_TreeItems.cend()",
+              __FILE__, __LINE__);
+    return item.m_parent != this;
+}
+
 void Node::AddItem(TreeItem *item)
 {
     requireTakeable(item);
-    _Q_assert(item->m_parent != this,
-              "std::find(m_TreeItems.cbegin(), m_TreeItems.cend(), pItem) == m_TreeItems.cend()",
-              __FILE__, __LINE__);
-    if (item->m_parent == this)
+    if (!requireNew(*item))
         return;
     link(*item);
     NotifyObservers(CC_CHILD_ADDED, nullptr);
@@ -290,6 +349,8 @@ void Node::AddItem(TreeItem *item)
 void Node::AddItemUnique(TreeItem *item)
 {
     requireTakeable(item); // before it has another name
+    if (!requireNew(*item))
+        return;
     const ItemWatch watch(item);
     item->SetName(GetUniqueChildName(item->m_name), nullptr);
     if (!watch.isGone())
@@ -305,9 +366,14 @@ void Node::NotifyDelete(IDeleteSubject *subject)
 
 void Node::NotifyChildrenAboutDeletion(IObserver *source)
 {
+    const ItemWatch watch(this);
+    const bool isEnding = m_toldAhead;
     ChildWalk walk(*this);
-    while (TreeItem *const child = walk.next())
+    while (TreeItem *const child = walk.next()) {
         tellChildOfEnd(*child, source);
+        if (watch.isGone() || (isEnding && !m_toldAhead)) // moved, and lives on
+            return;
+    }
 }
 
 namespace {
@@ -324,6 +390,8 @@ void traceNotice(const Node &node, const QString &child)
 void Node::tellChildOfEnd(TreeItem &child, IObserver *source)
 {
     const ItemWatch watch(&child);
+    // An observer may delete the child, or move it to where it lives on.
+    const auto stillEnds = [&] { return !watch.isGone() && child.m_toldAhead; };
     if (!child.m_toldAhead) {
         child.m_toldAhead = true;
         Node *const node = child.AsNode();
@@ -331,17 +399,17 @@ void Node::tellChildOfEnd(TreeItem &child, IObserver *source)
         if (node != nullptr) {
             traceNotice(*this, child.GetPathName());
             node->NotifyChildrenAboutDeletion(source);
-            if (watch.isGone())
+            if (!stillEnds())
                 return;
             node->m_childrenNotified = true;
         } else if (const ValueBase *const value = item->GetValue()) {
             traceNotice(*this, child.m_name + " (" + value->GetPathName());
         }
         child.NotifyObservers(CC_ABOUT_TO_DELETE, source);
-        if (!watch.isGone() && item != nullptr && item->GetValue() != nullptr)
+        if (stillEnds() && item != nullptr && item->GetValue() != nullptr)
             item->GetValue()->HasChanged(CC_NAME, source);
     }
-    if (!watch.isGone())
+    if (stillEnds())
         child.tellOfEnd(source);
 }
 

@@ -37,6 +37,7 @@ public:
     /// Without a value, makes the nodes along the path.
     bool AddValue(QString path, ValueBase *value) override;
     bool DeleteValue(QString path) override;
+    void SetAutoDeleteAtAddValue(bool on) override;
     void SetAllValuesAutoDelete(bool on) override;
     void AddTreeString(std::string &out, int depth, int detail) const override;
     virtual Node *GetSubTree(QString path) const;
@@ -68,7 +69,10 @@ public:
     int GetChildrenCount() const { return int(m_count); }
     /// -1 for an item that isn't a child.
     int GetIndex(const TreeItem *item) const;
-    /// \a base without its closing digits, and the first free number in five places.
+    /// The index of the first child of that name, or -1.
+    int SearchTreeItem(const QString &name) const { return GetIndex(GetChild(name)); }
+    /// \a base without its closing digits, and the first free number in five places. Asking again
+    /// for the same base goes on where the last search ended, while no child goes or is renamed.
     QString GetUniqueChildName(const QString &base) const;
     /// The node that stands \a levels above, 0 being this one; null past the top.
     Node *GetAncestor(int levels) const;
@@ -120,9 +124,12 @@ private:
     static int height(const TreeItem &item);
     bool canTake(const TreeItem &item, int levels) const;
     void requireTakeable(const TreeItem *item) const;
-    bool place(QStringView path, TreeItem *item);
+    bool requireNew(const TreeItem &item) const;
+    struct Place;
+    Place placeAt(QStringView path) const;
     void link(TreeItem &item);
     void unlink(TreeItem &item);
+    void reviveChildren();
     bool deleteValueItem(ValueItem &item);
     void tellChildOfEnd(TreeItem &child, IObserver *source);
     std::vector<std::unique_ptr<TreeItem>> copiesOf(const Node &other) const;
@@ -137,6 +144,8 @@ private:
     BaseTree *m_tree = nullptr;                 // of a root
     mutable std::unique_ptr<PathIndex> m_index; // of a topmost node, made on first use
     mutable std::vector<TreeItem *> m_view;     // the children, while m_viewValid
+    mutable QString m_uniqueBase;               // what GetUniqueChildName was asked for last
+    mutable int m_uniqueNext = 0;               // smaller numbers are taken behind it
     mutable bool m_viewValid = false;
     bool m_childrenNotified = false;
 };

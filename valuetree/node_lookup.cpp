@@ -138,9 +138,14 @@ QString Node::GetUniqueChildName(const QString &base) const
     int length = base.size();
     while (length > 0 && base[length - 1] >= QChar('0') && base[length - 1] <= QChar('9'))
         --length;
-    for (int i = 0;; ++i) {
+    const QStringView stem = QStringView(base).left(length);
+    if (stem != m_uniqueBase) {
+        m_uniqueBase = stem.toString();
+        m_uniqueNext = 0;
+    }
+    for (;; ++m_uniqueNext) {
         const QString name =
-            base.left(length) + QStringLiteral("%1").arg(i, 5, 10, QLatin1Char('0'));
+            m_uniqueBase + QStringLiteral("%1").arg(m_uniqueNext, 5, 10, QLatin1Char('0'));
         if (GetChild(name) == nullptr)
             return name;
     }

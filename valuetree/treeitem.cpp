@@ -120,8 +120,40 @@ void TreeItem::setParent(Node *parent)
         SetLastCompletePathName(true);
 }
 
+/// What was told of its end has found a place to live on, and is told again when that comes.
+void TreeItem::revive()
+{
+    if (!m_toldAhead && !m_toldOfEnd)
+        return;
+    m_toldAhead = m_toldOfEnd = false;
+    if (m_kind == Kind::Node)
+        static_cast<Node *>(this)->reviveChildren();
+}
+
+void TreeItem::SetParent(Node *parent, bool notify)
+{
+    if (parent != nullptr)
+        parent->requireTakeable(this);
+    if (notify) {
+        const ItemWatch watch(this), parentWatch(parent);
+        tellOfEnd(nullptr);
+        if (watch.isGone() || (parent != nullptr && parentWatch.isGone()))
+            return;
+        if (parent != nullptr)
+            parent->requireTakeable(this);
+    }
+    if (parent != nullptr)
+        return parent->link(*this);
+    if (m_parent != nullptr)
+        m_parent->unlink(*this);
+    if (!notify)
+        revive();
+}
+
 void TreeItem::storeName(const QString &name)
 {
+    if (m_parent != nullptr)
+        m_parent->m_uniqueNext = 0;
     Node *const highest = top();
     if (m_parent != nullptr && highest != nullptr && highest->m_index != nullptr)
         highest->m_index->Rename(*this, name);

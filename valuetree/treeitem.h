@@ -29,6 +29,10 @@ public:
     void SetLastCompletePathName(bool recurse) override;
     /// The node that owns this item, or null.
     Node *GetParent() const { return m_parent; }
+    /// Moves the item to the end of a node's children, or takes it out of its node, for null: then
+    /// it is the caller's. Nodes are told nothing; \a notify sends code 18 here first.
+    /// \throws KRException, with the item where it was, as Node::AddItem does.
+    void SetParent(Node *parent, bool notify);
     /// This item, when it is a node.
     virtual Node *AsNode() { return nullptr; }
     /// True below (and for) the root of a tree.
@@ -75,6 +79,7 @@ private:
     ValueItem *valueItem(); // AsValueItem without a look at the virtual table
     void setParent(Node *parent);
     void rememberPath();
+    void revive();
 
     Node *m_parent = nullptr;
     TreeItem *m_previous = nullptr; // siblings, in the order in which they came

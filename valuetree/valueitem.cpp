@@ -24,7 +24,7 @@ ValueItem::~ValueItem()
     m_ending = true;
     setLastDeleted();
     tellOfEnd(nullptr);
-    releaseValue(OnRelease::Destroy);
+    releaseValue();
     leaveParent();
 }
 
@@ -48,19 +48,20 @@ void ValueItem::listen()
 
 void ValueItem::stopListening()
 {
-    if (!m_listening || HasObservers() || m_value == nullptr || m_value->GetObservers().size() > 1)
+    if (!m_listening || HasObservers() || m_value == nullptr)
         return;
     m_listening = false;
     m_value->DeleteObserver(this); // an auto-delete value may go with it
 }
 
-void ValueItem::releaseValue(OnRelease then)
+/// Leaves the value, and destroys it unless it is being destroyed or auto-delete.
+void ValueItem::releaseValue()
 {
     if (m_value == nullptr)
         return;
     rememberPath();
     ValueBase *const value = std::exchange(m_value, nullptr);
-    const bool owned = then == OnRelease::Destroy && !m_valueEnding;
+    const bool owned = !m_valueEnding;
     m_listening = false;
     storeName(QString());
     value->SetDeleteObserver(nullptr);
@@ -68,10 +69,7 @@ void ValueItem::releaseValue(OnRelease then)
         value->SetLastCompletePathName(m_lastPath);
     // Only its own observers see the value's end; an auto-delete one without any ends here.
     const bool autoDelete = value->IsAutoDelete();
-    if (then == OnRelease::Keep)
-        value->Observable::DeleteObserver(this);
-    else
-        value->DeleteObserver(this);
+    value->DeleteObserver(this);
     if (owned && !autoDelete)
         delete value;
 }
@@ -204,7 +202,7 @@ bool ValueItem::DeleteValue(QString path)
 {
     if (!path.isEmpty() || m_value == nullptr)
         return false;
-    releaseValue(OnRelease::Destroy);
+    releaseValue();
     return true;
 }
 

@@ -72,13 +72,10 @@ public:
     void NotifyDelete(IDeleteSubject *subject) override;
 
 private:
-    friend class Node;
-    enum class OnRelease { Keep, Destroy };
-
     void adopt(ValueBase *value);
     void listen();
     void stopListening();
-    void releaseValue(OnRelease then);
+    void releaseValue();
 
     ValueBase *m_value = nullptr;
 };

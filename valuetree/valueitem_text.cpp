@@ -149,14 +149,14 @@ void ValueItem::SetValueAsStdString(std::string_view text, IObserver *source)
     value->SetCommandString(std::string(text), commands, source, -1);
     adopt(value.release());
     const ItemWatch watch(this);
-    const ValueBase *const adopted = m_value;
-    const auto isThere = [&] { return !watch.isGone() && m_value == adopted; };
+    const LifeWatch adopted(m_value); // another one may have its address later
     try {
-        for (auto command = commands.begin(); command != commands.end() && isThere(); ++command)
+        for (auto command = commands.begin(); command != commands.end() && !adopted.IsGone();
+             ++command)
             (*command)->Execute();
     } catch (...) {
-        if (isThere())
-            releaseValue(OnRelease::Destroy);
+        if (!watch.isGone() && !adopted.IsGone() && m_value == adopted.Subject())
+            releaseValue();
         throw;
     }
 }

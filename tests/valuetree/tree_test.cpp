@@ -62,10 +62,13 @@ TEST(TreeLife, WhatIsRefusedStaysTheCallers)
     Life life;
     BaseTree &tree = life.tree;
     const std::string before = names(tree);
-    Int value("own");
+    Int value("own"), unnamed;
     Node node("m"), nameless;
+    Tree::LastDeletedObjectName() = "before";
     for (const char *path : {"/n/w", "/n/m", "/n/m/", "/n/w/x", "/n/w/x/y", "relative"})
-        EXPECT_FALSE(tree.AddValue(path, &value)) << path;
+        for (Int *const refused : {&value, &unnamed})
+            EXPECT_FALSE(tree.AddValue(path, refused)) << path;
+    EXPECT_EQ(tree.CreateValue("/n/w/x", value), nullptr);
     EXPECT_FALSE(tree.AddValue("/n/own", tree.GetValue("/n/w"))); // held already
     for (const char *path : {"/n", "/n/w", "/n/w/x"})
         EXPECT_FALSE(tree.AddNode(path, &node)) << path;
@@ -79,7 +82,8 @@ TEST(TreeLife, WhatIsRefusedStaysTheCallers)
          {QString("/a//b"), QString("/1"), QString(), QString("/a").repeated(257)})
         EXPECT_THROW(tree.AddValue(path, &value), KRException) << path.toStdString();
     EXPECT_EQ(names(tree), before);
-    EXPECT_EQ(value.GetName(), "own");
+    EXPECT_EQ(value.GetName() + unnamed.GetName(), "own");
+    EXPECT_EQ(Tree::LastDeletedObjectName(), "before");
     EXPECT_EQ(value.GetDeleteObserver(), nullptr);
     EXPECT_THAT(life.log.take(), IsEmpty());
 }
@@ -167,6 +171,44 @@ TEST(TreeLife, ObserversMayDeleteWhatTheyWatch)
         }
 }
 
+TEST(TreeLife, WhatAnObserverMovesLivesOn)
+{
+    for (const std::string when : {"v 17", "v 1", "m 17", "m 18"}) {
+        SCOPED_TRACE(when);
+        Life life;
+        std::vector<std::string> &lines = life.log.lines;
+        life.log.then[when] = [&] {
+            lines.clear();
+            life.tree.AddNode("/", life.tree.GetNode("/n/m"));
+        };
+        life.tree.DeleteNode("/n");
+        for (const char *told : {"v 18", "m 17", "m 18"})
+            EXPECT_EQ(std::count(lines.begin(), lines.end(), told), 0) << told;
+        life.log.then.clear();
+        lines.clear();
+        EXPECT_TRUE(life.tree.DeleteNode("/m"));
+        EXPECT_THAT(life.log.take(),
+                    ElementsAre("v 17", "v 1", "=v 1", "v 18", "m 18", "=v 2"));
+    }
+}
+
+TEST(TreeLife, SetParentMovesAnItemOrTakesItOut)
+{
+    Life life;
+    Node *const root = life.tree.GetRoot(), *const m = life.tree.GetNode("/n/m");
+    m->SetParent(root, false);
+    EXPECT_EQ(life.tree.GetValue("/m/v")->GetPathName(), "/m/v");
+    EXPECT_EQ(root->SearchTreeItem("m"), 1);
+    EXPECT_THROW(root->GetChild("n")->SetParent(root->GetChildNode("n"), true), KRException);
+    EXPECT_THAT(life.log.take(), IsEmpty());
+    m->SetParent(nullptr, true);
+    EXPECT_THAT(life.log.take(), ElementsAre("m 18"));
+    EXPECT_EQ(root->SearchTreeItem("m"), -1);
+    EXPECT_EQ(life.tree.GetNode("/m"), nullptr);
+    delete m;
+    EXPECT_THAT(life.log.take(), ElementsAre("v 17", "v 1", "=v 1", "v 18", "=v 2"));
+}
+
 TEST(TreeLife, AnItemListensToItsValueWhileItIsObserved)
 {
     TreeLog log;
@@ -179,8 +221,9 @@ TEST(TreeLife, AnItemListensToItsValueWhileItIsObserved)
     log.watch(item, "second");
     value->SetValue(1, first); // the source is skipped at the item too
     EXPECT_THAT(log.take(), ElementsAre("second 3"));
+    IObserver *const own = log.watch(value, "own");
     item->DeleteObservers();
-    EXPECT_FALSE(value->HasObservers());
+    EXPECT_THAT(value->GetObservers(), ElementsAre(own));
 
     EXPECT_EQ(item->GetPathName(), "/v");
     value->SetName("x", nullptr);
@@ -198,7 +241,8 @@ TEST(TreeLife, AnAutoDeleteValueGoesWithItsLastObserver)
 {
     TreeLog log;
     BaseTree tree;
-    tree.SetAutoDeleteAtAddValue(true);
+    tree.AddNode("/n");
+    tree.SetAutoDeleteAtAddValue(true); // the nodes that are there take it over
     tree.AddValue("/n/kept", new Int);
     tree.AddValue("/n/gone", new Int);
     ValueBase *const kept = tree.GetValue("/n/kept");

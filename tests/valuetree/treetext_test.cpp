@@ -56,6 +56,8 @@ TEST(TreeCopy, CopiesAndMerges)
     into->AddItemUnique(new Node("item7"));
     into->AddItemUnique(new Node("item7"));
     EXPECT_NE(into->GetNode("item00001"), nullptr);
+    into->GetNode("item00000")->SetName("other", nullptr);
+    EXPECT_EQ(into->GetUniqueChildName("item"), "item00000");
 }
 
 TEST(TreeText, PrintsForDiagnosis)
