@@ -2,11 +2,9 @@
 #include "memmap/logconfiglines_p.h"
 #include "memmap/valueptr.h"
 #include "platform/base/errorhandler.h"
+#include "platform/base/regularfile.h"
 #include "platform/base/tokenizer.h"
 #include "platform/startup/dllinstance.h"
-
-#include <QFile>
-#include <QFileInfo>
 
 namespace values {
 
@@ -49,8 +47,8 @@ bool LogVTData::LoadFromFile(QString name)
 {
     DeleteObservables();
     QFile file(name);
-    // Opening a pipe would wait for its writer.
-    if (!QFileInfo(name).isFile() || !file.open(QIODevice::ReadOnly))
+    QString error;
+    if (!Kelm::openRegularFile(file, error))
         return fail(QStringLiteral("File open failed!"));
     return LoadFromText(file.read(kMaximumFileSize + 1));
 }

@@ -67,4 +67,16 @@ struct SPECTREE_EXPORT LastDeletedObject {
     static LastDeletedObject &Instance();
 };
 
+/// Keeps the last deleted object while something goes that nobody knew of. Lives on the stack.
+class KeepLastDeletedObject {
+public:
+    KeepLastDeletedObject() : m_last(LastDeletedObject::Instance()) {}
+    ~KeepLastDeletedObject() { LastDeletedObject::Instance() = m_last; }
+    KeepLastDeletedObject(const KeepLastDeletedObject &) = delete;
+    KeepLastDeletedObject &operator=(const KeepLastDeletedObject &) = delete;
+
+private:
+    const LastDeletedObject m_last;
+};
+
 } // namespace values

@@ -1,11 +1,10 @@
 // The forms of a curve: file, vector, stream.
 #include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
+#include "platform/base/regularfile.h"
 #include "valueclasses/kfactor.h"
 #include "valueclasses/records/recordforms_p.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QSaveFile>
 
 #include <cmath>
@@ -49,8 +48,8 @@ void KFactor::readLine(const QString &line, std::vector<KF> &points)
 int KFactor::LoadFromFile(const QString &fileName)
 {
     QFile file(fileName);
-    // Opening a pipe would wait for its writer.
-    if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly))
+    QString error;
+    if (!Kelm::openRegularFile(file, error))
         return failOpen();
     std::vector<KF> points;
     while (!file.atEnd()) {

@@ -180,8 +180,8 @@ public:
     virtual void KillOverrideTimer(int id);
 
 protected:
-    /// Called before the commands of the whole state are formed, for a class that has to bring up to
-    /// date what it keeps. Nothing here.
+    /// Called before the commands of the whole state are formed, for a class that has to bring up
+    /// to date what it keeps. Nothing here.
     virtual void PrepareObjectState() {}
     virtual void AddObjectStateStringForTransmission(std::string &out, unsigned int mode);
     virtual void AddObjectStateStringForRecording(std::string &out);

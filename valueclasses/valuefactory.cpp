@@ -21,10 +21,9 @@ ValueFactory &ValueFactory::Instance()
 
 ValueFactory::ValueFactory()
 {
-    const LastDeletedObject last = LastDeletedObject::Instance(); // the prototypes come and go
+    const KeepLastDeletedObject keep; // the prototypes come and go
     ValueKinds kinds(*this);
     registerKinds(kinds);
-    LastDeletedObject::Instance() = last;
 }
 
 void ValueFactory::RegisterType(std::unique_ptr<ValueCreator> creator)
@@ -79,6 +78,14 @@ ValueBase *ValueFactory::CloneValue(const ValueBase &value) const
                    QStringLiteral("The value \"%1\" is of no kind that can be copied: %2.")
                        .arg(value.GetName(), value.GetTypeName()));
     return nullptr;
+}
+
+bool ValueFactory::IsRegistered(const ValueBase &value) const
+{
+    const QString name = value.GetTypeName();
+    const auto found = m_byType.find(value.GetType());
+    return (found != m_byType.end() && found->second->GetTypeName() == name) ||
+           m_byName.find(name) != m_byName.end();
 }
 
 ValueType ValueFactory::TypeForTypeName(const QString &name) const

@@ -60,6 +60,8 @@ public:
     /// A copy of the same class, never of a base of it.
     ValueBase *CloneValue(const ValueBase &value) const;
     bool IsRegistered(ValueType type) const { return m_byType.contains(type); }
+    /// Whether a value of its name can be made.
+    bool IsRegistered(const ValueBase &value) const;
     /// VTYPE_Unknown for a name that isn't registered.
     ValueType TypeForTypeName(const QString &name) const;
     /// Empty for a type that isn't registered.

@@ -223,7 +223,8 @@ void CommandSetValueStr<T>::AddCommandString(std::string &out, int mode) const
     if (isTextMode(mode)) {
         out += toReadable(m_data);
     } else {
-        _Q_assert(mode == ModeRecording, "iCommandOption == 1", __FILE__, __LINE__);
+        _Q_assert(mode == ModeRecording || isTaggedMode(mode), "iCommandOption == 1", __FILE__,
+                  __LINE__);
         Kelm::appendLittleEndian(out, std::uint32_t(m_data.size()));
         appendImage(out, m_data);
     }

@@ -2,11 +2,12 @@
 
 #include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
+#include "platform/base/regularfile.h"
 #include "platform/startup/cfgcenter.h"
 #include "valuetree/vtfileversion.h"
 #include "valuetree/vtxml.h"
+#include "valuetree/xmldocument_p.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
 #include <QTextCodec>
@@ -20,7 +21,7 @@ namespace values {
 
 namespace {
 
-constexpr qint64 kLargestFile = qint64(1) << 29; // a QString holds no more
+constexpr qint64 kLargestFile = kLongestDocument; // bytes
 
 [[noreturn]] void fail(const char *reason, const char *function, const QString &error,
                        const QString &fileName)
@@ -59,6 +60,26 @@ QString decode(const QByteArray &bytes, const QString &fileName)
     return text;
 }
 
+/// The whole text. The bytes, which may be many, are gone when it is parsed.
+QString readText(const QString &fileName)
+{
+    QFile file(fileName);
+    QString error;
+    if (!Kelm::openRegularFile(file, error))
+        failReading(error, fileName);
+    if (file.size() > kLargestFile)
+        failReading(QStringLiteral("The file is larger than 512 MiB"), fileName);
+    const QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError)
+        failReading(file.errorString(), fileName);
+    return decode(bytes, fileName);
+}
+
+[[noreturn]] void failWriting(const QString &error, const QString &fileName)
+{
+    fail("Can not write File - see Details", "Write", error, fileName);
+}
+
 /// A rename is safe from a power cut only once its folder is on the disk, too.
 bool syncFolderOf(const QString &fileName)
 {
@@ -88,16 +109,7 @@ void VtFile::Read()
     if (m_fileName.isEmpty())
         return;
     BLOCK_TRACE(QStringLiteral("VtFile::Read() FileName: ") + m_fileName);
-    QFile file(existingName(m_fileName));
-    if (!file.open(QIODevice::ReadOnly))
-        failReading(file.errorString(), file.fileName());
-    if (file.size() > kLargestFile)
-        failReading(QStringLiteral("The file is larger than 512 MiB"), file.fileName());
-    const QByteArray bytes = file.readAll();
-    if (file.error() != QFileDevice::NoError)
-        failReading(file.errorString(), file.fileName());
-    file.close();
-    VtXml::FromXml(m_node, decode(bytes, file.fileName()));
+    VtXml::FromXml(m_node, readText(existingName(m_fileName)));
 }
 
 void VtFile::Write()
@@ -106,21 +118,20 @@ void VtFile::Write()
         return;
     BLOCK_TRACE(QStringLiteral("VtFile::Write() FileName: ") + m_fileName);
     const QByteArray bytes = VtXml::ToXml(m_node).toUtf8();
-    QSaveFile file(m_fileName);
+    if (bytes.size() > kLargestFile)
+        failWriting(QStringLiteral("The file would be larger than 512 MiB"), m_fileName);
+    QSaveFile file(m_fileName); // unless it is committed, its end removes what it has written
     if (!file.open(QIODevice::WriteOnly))
         fail("Can not open File for writing - see Details", "Write", file.errorString(),
              m_fileName);
-    const bool written = file.write(bytes) == bytes.size() && file.flush();
-    const bool synced = written && ::fsync(file.handle()) == 0;
-    const QString error =
-        written && !synced ? QString::fromLocal8Bit(std::strerror(errno)) : file.errorString();
-    if (!synced)
-        file.cancelWriting();
+    if (file.write(bytes) != bytes.size() || !file.flush())
+        failWriting(file.errorString(), m_fileName);
+    if (::fsync(file.handle()) != 0)
+        failWriting(QString::fromLocal8Bit(std::strerror(errno)), m_fileName);
     if (!file.commit())
-        fail("Can not write File - see Details", "Write", error, m_fileName);
+        failWriting(file.errorString(), m_fileName);
     if (!syncFolderOf(m_fileName))
-        fail("Can not write File - see Details", "Write",
-             QStringLiteral("The folder can't be written to the disk"), m_fileName);
+        failWriting(QStringLiteral("The folder can't be written to the disk"), m_fileName);
 }
 
 void VtFile::SetVersion(const QString &version) { VtXml::SetVersion(version); }

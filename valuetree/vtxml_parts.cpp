@@ -63,7 +63,7 @@ bool canKeep(TreeItem &child)
         reason = "another item has its name";
     else if (item != nullptr && item->GetValue() == nullptr)
         reason = "it has no value";
-    else if (item != nullptr && !ValueFactory::Instance().IsRegistered(item->GetValue()->GetType()))
+    else if (item != nullptr && !ValueFactory::Instance().IsRegistered(*item->GetValue()))
         reason = "its kind can't be made";
     else if (item != nullptr &&
              !XmlValueFactory::Instance().HandlerFor(*item->GetValue()).Fits(*item->GetValue()))

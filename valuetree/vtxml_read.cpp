@@ -29,15 +29,16 @@ public:
     }
     XmlText Find(QStringView tag) const override
     {
-        const auto &elements = m_document.elements();
-        const auto end = std::size_t(elements[m_element].end);
-        for (std::size_t i = m_element + 1; i < end; i = std::size_t(elements[i].end))
-            if (m_document.view(elements[i].name) == tag)
-                return {m_document.text(elements[i].text),
-                        elements[i].exact.length == 0 ? QString()
-                                                      : m_document.text(elements[i].exact),
-                        true};
-        return {};
+        const XmlDocument::Element *const found = find(tag);
+        if (found == nullptr)
+            return {};
+        return {m_document.text(found->text),
+                found->exact.length == 0 ? QString() : m_document.text(found->exact), true};
+    }
+    bool Holds(QStringView tag, QStringView text) const override
+    {
+        const XmlDocument::Element *const found = find(tag);
+        return found != nullptr && m_document.view(found->text) == text;
     }
     void ForEach(QStringView tag,
                  const std::function<void(const XmlFields &)> &visit) const override
@@ -51,6 +52,16 @@ public:
     bool IsTargetGone() const override { return m_target != nullptr && m_target->IsGone(); }
 
 private:
+    const XmlDocument::Element *find(QStringView tag) const
+    {
+        const auto &elements = m_document.elements();
+        const auto end = std::size_t(elements[m_element].end);
+        for (std::size_t i = m_element + 1; i < end; i = std::size_t(elements[i].end))
+            if (m_document.view(elements[i].name) == tag)
+                return &elements[i];
+        return nullptr;
+    }
+
     const XmlDocument &m_document;
     std::size_t m_element;
     const LifeWatch *m_target;
@@ -61,6 +72,13 @@ public:
     explicit TreeReader(XmlDocument &document)
         : m_document(document), m_elements(document.elements())
     {
+    }
+    TreeReader(const TreeReader &) = delete;
+    TreeReader &operator=(const TreeReader &) = delete;
+    ~TreeReader()
+    {
+        const KeepLastDeletedObject keep; // of a document that is refused
+        m_made.clear();
     }
 
     /// \a node is null for one that is still to be made.
@@ -224,10 +242,9 @@ void TreeReader::applyValue(Node &parent, std::size_t at, const QString &name)
     ValueBase *const value = item != nullptr ? item->GetValue() : nullptr;
     if (value == nullptr)
         return traceSkipped(name);
-    const LifeWatch target(value);
+    const LifeWatch target(value); // an observer may put another one into its place
     const ElementFields fields(m_document, at, &target);
-    const XmlValueBase &handler = XmlValueFactory::Instance().HandlerFor(*value);
-    handler.Read(*value, fields);
+    XmlValueFactory::Instance().HandlerFor(*value).Read(*value, fields);
 }
 
 void TreeReader::traceSkipped(const QString &name)

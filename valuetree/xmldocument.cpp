@@ -1,8 +1,11 @@
 #include "platform/base/krexception.h"
+#include "valueclasses/xml/xmltext.h"
 #include "valuetree/path.h"
 #include "valuetree/xmldocument_p.h"
 
 #include <QXmlStreamReader>
+
+#include <algorithm>
 
 namespace values {
 
@@ -10,6 +13,89 @@ namespace {
 
 // The root, the items, and below the deepest of them a group with its fields.
 constexpr std::size_t kDeepest = 1 + TreePathHelpers::kMaximumDepth + 2;
+
+[[noreturn]] void fail(const QString &reason, qint64 line, qint64 column)
+{
+    throw KRException(QStringLiteral("Parse error: %1 at line %2 in column %3.")
+                          .arg(reason)
+                          .arg(line)
+                          .arg(column),
+                      __FILE__, "VtXml", "FromXml", __LINE__);
+}
+
+/// Whether the tag at the begin of \a text has more attributes than an element may have.
+bool isCrowded(QStringView text)
+{
+    int attributes = 0;
+    QChar quote;
+    for (const QChar c : text) {
+        if (!quote.isNull())
+            quote = c == quote ? QChar() : quote;
+        else if (c == u'"' || c == u'\'')
+            quote = c;
+        else if (c == u'>')
+            return false;
+        else if (c == u'=' && ++attributes > kMostAttributes)
+            return true;
+    }
+    return false;
+}
+
+/// Counts the elements by their tags, before a parser takes memory for each: it would compare every
+/// attribute of an element with every other, too.
+class TagCount {
+public:
+    explicit TagCount(QStringView xml) : m_xml(xml) {}
+
+    /// \throws KRException for more than a document may have.
+    std::size_t run()
+    {
+        if (m_xml.size() > kLongestDocument)
+            failAt(
+                0,
+                QStringLiteral("The document has more than %1 characters").arg(kLongestDocument));
+        for (qsizetype at = m_xml.indexOf(u'<'); at >= 0;)
+            at = take(at);
+        return m_elements;
+    }
+
+private:
+    /// Returns where the next tag begins, or -1.
+    qsizetype take(qsizetype at)
+    {
+        const QStringView tag = m_xml.mid(at + 1);
+        if (tag.startsWith(u"!--"))
+            return behind(u"-->", at + 4);
+        if (tag.startsWith(u"![CDATA["))
+            return behind(u"]]>", at + 9);
+        if (tag.startsWith(u'?'))
+            return behind(u"?>", at + 2);
+        const qsizetype next = m_xml.indexOf(u'<', at + 1); // no tag can hold one
+        const qsizetype length = (next < 0 ? m_xml.size() : next) - at - 1;
+        if (tag.startsWith(u'/') || tag.startsWith(u'!'))
+            return next;
+        if (++m_elements > kMostElements)
+            failAt(at, QStringLiteral("There are more than %1 elements").arg(kMostElements));
+        if (length > 4 * kMostAttributes && isCrowded(tag.left(length)))
+            failAt(at,
+                   QStringLiteral("An element has more than %1 attributes").arg(kMostAttributes));
+        return next;
+    }
+    qsizetype behind(QStringView end, qsizetype from) const
+    {
+        const qsizetype found = m_xml.indexOf(end, from);
+        return found < 0 ? -1 : m_xml.indexOf(u'<', found + end.size());
+    }
+    [[noreturn]] void failAt(qsizetype at, const QString &reason) const
+    {
+        const QStringView before = m_xml.left(at);
+        const auto lines = std::count(before.begin(), before.end(), QChar(u'\n'));
+        fail(reason, 1 + lines, at - before.lastIndexOf(u'\n') - 1);
+    }
+
+    const QStringView m_xml;
+    std::size_t m_elements = 0;
+};
 
 } // namespace
 
@@ -24,13 +110,9 @@ public:
     {
         while (!m_reader.atEnd() && m_refused.isEmpty())
             take(m_reader.readNext());
-        if (!m_reader.hasError() && m_refused.isEmpty())
-            return;
-        throw KRException(QStringLiteral("Parse error: %1 at line %2 in column %3.")
-                              .arg(m_refused.isEmpty() ? m_reader.errorString() : m_refused)
-                              .arg(m_reader.lineNumber())
-                              .arg(m_reader.columnNumber()),
-                          __FILE__, "VtXml", "FromXml", __LINE__);
+        if (m_reader.hasError() || !m_refused.isEmpty())
+            fail(m_refused.isEmpty() ? m_reader.errorString() : m_refused, m_reader.lineNumber(),
+                 m_reader.columnNumber());
     }
 
 private:
@@ -76,7 +158,10 @@ private:
     void takeAttribute(XmlDocument::Element &element, const QXmlStreamAttribute &attribute)
     {
         const QStringRef name = attribute.qualifiedName();
-        if (m_open.empty() && name == QLatin1String("Version"))
+        if (attribute.value().size() > XmlTextForms::kLongestExact)
+            m_refused = QStringLiteral("An attribute has more than %1 characters")
+                            .arg(XmlTextForms::kLongestExact);
+        else if (m_open.empty() && name == QLatin1String("Version"))
             m_document.m_version = attribute.value().toString();
         else if (name == QLatin1String("exact"))
             element.exact = m_document.store(attribute.value());
@@ -113,6 +198,7 @@ private:
 
 XmlDocument::XmlDocument(const QString &xml) : m_version(QStringLiteral("0.0"))
 {
+    m_elements.reserve(TagCount(xml).run());
     Parser(*this, xml).run();
 }
 

@@ -7,6 +7,12 @@
 
 namespace values {
 
+// What a tree document may have at most; the writer keeps to it, too. A parser needs several times
+// the memory of the text, and for each element as much as for some fifty characters.
+constexpr int kLongestDocument = 1 << 29; // characters
+constexpr std::size_t kMostElements = std::size_t(1) << 23;
+constexpr int kMostAttributes = 32; // of one element
+
 /// A tree document in memory: its elements in one row, in their order, and all texts in one string.
 /// Of an element it keeps what tree documents use.
 class XmlDocument {
@@ -23,8 +29,8 @@ public:
         int madeValue = -1; // for the reader of a tree
     };
 
-    /// \throws KRException "Parse error: ..." for what isn't well-formed, declares entities or
-    /// nests too deep.
+    /// \throws KRException "Parse error: ..." for what isn't well-formed, declares entities, nests
+    /// too deep or goes past one of the limits above.
     explicit XmlDocument(const QString &xml);
 
     QStringView view(Slice slice) const { return QStringView(m_texts).mid(slice.at, slice.length); }

@@ -187,8 +187,7 @@ TEST(TreeLife, WhatAnObserverMovesLivesOn)
         life.log.then.clear();
         lines.clear();
         EXPECT_TRUE(life.tree.DeleteNode("/m"));
-        EXPECT_THAT(life.log.take(),
-                    ElementsAre("v 17", "v 1", "=v 1", "v 18", "m 18", "=v 2"));
+        EXPECT_THAT(life.log.take(), ElementsAre("v 17", "v 1", "=v 1", "v 18", "m 18", "=v 2"));
     }
 }
 

@@ -15,6 +15,7 @@
 #include <csignal>
 #include <random>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -92,7 +93,13 @@ TEST_F(VtFileTest, FailsWithTheTreeAndTheFileAsTheyWere)
         return reasonOf([&] { VtFile(name, &other, nullptr).Read(); });
     };
     EXPECT_EQ(read(m_name), reading);
-    EXPECT_EQ(read(m_folder.path()), reading);
+    const QString pipe = m_folder.filePath("pipe"), huge = m_folder.filePath("huge.xml");
+    ASSERT_EQ(mkfifo(qPrintable(pipe), 0600), 0);
+    put(huge, {});
+    ASSERT_TRUE(QFile::resize(huge, (qint64(1) << 29) + 1)); // takes no place
+    for (const QString &name : {m_folder.path(), pipe, QStringLiteral("/dev/zero"), huge})
+        EXPECT_EQ(read(name), reading) << qPrintable(name);
+    QFile::remove(huge);
     const QString nowhere = m_folder.filePath("no/tree.xml");
     EXPECT_EQ(reasonOf([&] { VtFile(nowhere, &node, nullptr).Write(); }), writing);
     put(m_name, "<!DOCTYPE Vt><Vt Version=\"1.0\"><a\xFF/></Vt>");

@@ -56,8 +56,8 @@ public:
     /// stays open, too, and is finished with the end of the last one.
     void FinishCurrentUndoStack();
     /// Undoes the newest \a count stacks. False, with nothing done, for 0, for more than there are,
-    /// while a stack is open and while undo runs. \throws what a command throws: the run ends there,
-    /// with the transactions ended that it had begun, and the history emptied.
+    /// while a stack is open and while undo runs. \throws what a command throws: the run ends
+    /// there, with the transactions ended that it had begun, and the history emptied.
     bool ExecuteUndoStacks(unsigned int count);
     void ResetUndoStacks() override;
     void ForgetValue(const ValueBase *value) override;
@@ -88,8 +88,8 @@ private:
     std::unique_ptr<UndoStack> m_currentStack;
     bool m_finishWanted = false; // the current stack waits for its brackets
     bool m_executing = false;
-    bool m_abandoned = false;               // what is left to run isn't run any more
-    std::vector<const ValueBase *> m_gone; // values that went while undo runs
+    bool m_abandoned = false;                        // what is left to run isn't run any more
+    std::vector<const ValueBase *> m_gone;           // values that went while undo runs
     std::deque<std::unique_ptr<UndoStack>> m_stacks; // finished, oldest first
     unsigned int m_maxStacksSize;
 };

@@ -22,6 +22,12 @@ public:
     virtual ~XmlFields() = default;
     /// The first element of that name.
     virtual XmlText Find(QStringView tag) const = 0;
+    /// Whether the text of that element is \a text; false when there is no such element.
+    virtual bool Holds(QStringView tag, QStringView text) const
+    {
+        const XmlText found = Find(tag);
+        return found.present && found.text == text;
+    }
     /// Each group element of that name, in the order of the document.
     virtual void ForEach(QStringView tag,
                          const std::function<void(const XmlFields &)> &visit) const = 0;

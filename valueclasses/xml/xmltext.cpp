@@ -114,6 +114,9 @@ QString TextOf(const XmlText &field)
 
 QString Base64(const std::string &bytes)
 {
+    constexpr std::size_t kMostBytes = std::size_t(1) << 29;
+    if (bytes.size() > kMostBytes)
+        fail(QStringLiteral("%1 bytes are more than a document can hold.").arg(bytes.size()));
     return QString::fromLatin1(QByteArray::fromRawData(bytes.data(), int(bytes.size())).toBase64());
 }
 

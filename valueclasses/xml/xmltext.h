@@ -1,5 +1,6 @@
 #pragma once
 
+#include "valueclasses/valuetype.h"
 #include "valueclasses/xml/xmlfields.h"
 
 #include <concepts>
@@ -15,10 +16,14 @@ SPECTREE_EXPORT QString EncodeName(const QString &name);
 /// The name that EncodeName got; what isn't an escape stays.
 SPECTREE_EXPORT QString DecodeName(QStringView element);
 
+/// The longest "exact" that a document may hold, in characters.
+constexpr int kLongestExact = 1 << 24;
+
 /// Empty when XML keeps \a text as it is, otherwise the base64 of its UTF-16LE.
 SPECTREE_EXPORT QString ExactText(const QString &text);
 /// The text as it was. \throws KRException when "exact" isn't base64 of whole characters.
 SPECTREE_EXPORT QString TextOf(const values::XmlText &field);
+/// \throws KRException for more bytes than a document can hold.
 SPECTREE_EXPORT QString Base64(const std::string &bytes);
 /// \throws KRException for anything but base64.
 SPECTREE_EXPORT std::string FromBase64(const QString &text);
@@ -33,5 +38,14 @@ T WholeNumberOf(const values::XmlText &field);
 extern template SPECTREE_EXPORT int WholeNumberOf<int>(const values::XmlText &);
 extern template SPECTREE_EXPORT unsigned WholeNumberOf<unsigned>(const values::XmlText &);
 extern template SPECTREE_EXPORT std::int64_t WholeNumberOf<std::int64_t>(const values::XmlText &);
+
+/// The field of a value of the scalar kind \a from as a T: true is 1, every number but 0 is true, a
+/// whole number is the nearest one. An empty text is the empty T.
+/// \throws KRException where that fails, as for a number out of the range of T.
+template <typename T>
+T ConvertedFrom(values::ValueType from, const values::XmlText &field);
+/// The same for a limit; one out of the range of T becomes the last number there.
+template <typename T>
+T ConvertedLimit(values::ValueType from, const values::XmlText &field);
 
 } // namespace XmlTextForms

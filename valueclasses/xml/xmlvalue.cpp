@@ -56,10 +56,21 @@ bool XmlValue<T, F>::Fits(const ValueBase &value) const
 }
 
 template <typename T, typename F>
+bool XmlValue<T, F>::hasState(const ValueBase &value, const XmlFields &fields)
+{
+    return fields.Find(u"State").present && !XmlValueBase::OtherKind(value, fields);
+}
+
+template <typename T, typename F>
 void XmlValue<T, F>::Write(ValueBase &value, XmlFieldSink &sink) const
 {
     XmlValueBase::Write(value, sink);
-    writeField(u"Value", static_cast<Value<T, F> &>(value).GetValue(), sink);
+    const T held = static_cast<Value<T, F> &>(value).GetValue();
+    if constexpr (std::same_as<T, QString>)
+        if (held.size() > XmlTextForms::kLongestExact / 8 * 3 && // 3 characters make 8
+            XmlTextForms::ExactText(held).size() > XmlTextForms::kLongestExact)
+            return XmlValueState::WriteState(value, sink);
+    writeField(u"Value", held, sink);
 }
 
 template <typename T, typename F>
@@ -67,10 +78,17 @@ void XmlValue<T, F>::Check(ValueBase &value, const XmlFields &fields) const
 {
     XmlValueBase::Check(value, fields);
     try {
-        fieldOf(fields.Find(u"Value"));
+        const XmlText field = fields.Find(u"Value");
+        if (const auto kind = XmlValueBase::OtherKind(value, fields))
+            XmlTextForms::ConvertedFrom<T>(*kind, field);
+        else
+            fieldOf(field);
     } catch (const KRException &error) {
         XmlValueBase::fail(value, error.GetReason());
     }
+    if constexpr (std::same_as<T, QString>)
+        if (hasState(value, fields))
+            XmlValueState::CheckState(value, fields.Find(u"State"));
 }
 
 template <typename T, typename F>
@@ -78,10 +96,16 @@ void XmlValue<T, F>::Read(ValueBase &value, const XmlFields &fields) const
 {
     XmlValueBase::Read(value, fields);
     const XmlText field = fields.Find(u"Value");
-    if (field.exact.isEmpty())
-        value.SetStringValue(field.text, nullptr);
+    auto &scalar = static_cast<Value<T, F> &>(value);
+    if constexpr (std::same_as<T, QString>)
+        if (!field.present && hasState(value, fields))
+            return XmlValueState::ReadState(value, fields.Find(u"State"), fields);
+    if (const auto kind = XmlValueBase::OtherKind(value, fields))
+        scalar.SetValue(XmlTextForms::ConvertedFrom<T>(*kind, field), nullptr);
+    else if (field.exact.isEmpty())
+        scalar.SetStringValue(field.text, nullptr);
     else
-        static_cast<Value<T, F> &>(value).SetValue(fieldOf(field), nullptr);
+        scalar.SetValue(fieldOf(field), nullptr);
 }
 
 template <typename T, typename F>
@@ -104,20 +128,27 @@ void XmlValueNumeric<T, F>::Write(ValueBase &value, XmlFieldSink &sink) const
 }
 
 template <typename T, typename F>
+T XmlValueNumeric<T, F>::limitOf(const std::optional<ValueType> &otherKind, const XmlText &field)
+{
+    return otherKind ? XmlTextForms::ConvertedLimit<T>(*otherKind, field)
+                     : XmlValue<T, F>::fieldOf(field);
+}
+
+template <typename T, typename F>
 void XmlValueNumeric<T, F>::Check(ValueBase &value, const XmlFields &fields) const
 {
     XmlValue<T, F>::Check(value, fields);
+    const auto kind = XmlValueBase::OtherKind(value, fields);
     for (const QStringView tag : {QStringView(u"Max"), QStringView(u"Min"), QStringView(u"Step")}) {
         try {
-            this->fieldOf(fields.Find(tag));
+            limitOf(kind, fields.Find(tag));
         } catch (const KRException &error) {
             XmlValueBase::fail(value,
                                QStringLiteral("%1: %2").arg(tag.toString(), error.GetReason()));
         }
     }
-    const XmlText state = fields.Find(u"State");
-    if (state.present && fields.Find(u"Type").text == value.GetTypeName())
-        XmlValueState::CheckState(value, state);
+    if (this->hasState(value, fields))
+        XmlValueState::CheckState(value, fields.Find(u"State"));
 }
 
 template <typename T, typename F>
@@ -125,10 +156,11 @@ void XmlValueNumeric<T, F>::Read(ValueBase &value, const XmlFields &fields) cons
 {
     using Number = ValueNumeric<T, F>;
     auto &number = static_cast<Number &>(value);
+    const auto kind = XmlValueBase::OtherKind(value, fields);
     const auto apply = [&](QStringView tag, void (Number::*set)(T, IObserver *)) {
         const XmlText field = fields.IsTargetGone() ? XmlText() : fields.Find(tag);
         if (field.present)
-            (number.*set)(this->fieldOf(field), nullptr);
+            (number.*set)(limitOf(kind, field), nullptr);
     };
     apply(u"Max", &Number::SetMax);
     apply(u"Min", &Number::SetMin);
@@ -136,9 +168,8 @@ void XmlValueNumeric<T, F>::Read(ValueBase &value, const XmlFields &fields) cons
     if (fields.IsTargetGone())
         return;
     XmlValue<T, F>::Read(value, fields);
-    const XmlText state = fields.Find(u"State");
-    if (state.present && !fields.IsTargetGone() && fields.Find(u"Type").text == value.GetTypeName())
-        XmlValueState::ReadState(value, state, fields);
+    if (!fields.IsTargetGone() && this->hasState(value, fields))
+        XmlValueState::ReadState(value, fields.Find(u"State"), fields);
 }
 
 #define SPECTREE_INSTANTIATE(T) template class XmlValue<T>;

@@ -6,7 +6,8 @@
 namespace values {
 
 /// One scalar: its text in the element "Value". A double that six decimals don't hold, and a text
-/// that XML can't bear, have their lossless form in the attribute "exact".
+/// that XML can't bear, have their lossless form in the attribute "exact"; a text for which that
+/// would be too long has its "State".
 template <typename T, typename F = DefaultFormat<T>>
 class SPECTREE_EXPORT XmlValue : public XmlValueBase {
 public:
@@ -20,6 +21,8 @@ protected:
     bool ReadsType(ValueType type) const override;
     static void writeField(QStringView tag, const T &value, XmlFieldSink &sink);
     static T fieldOf(const XmlText &field);
+    /// Whether the fields have a "State" of this kind.
+    static bool hasState(const ValueBase &value, const XmlFields &fields);
 };
 
 /// With limits: "Max", "Min" and "Step" behind "Value", each read singly; one that is missing stays
@@ -31,6 +34,9 @@ public:
     void Write(ValueBase &value, XmlFieldSink &sink) const override;
     void Check(ValueBase &value, const XmlFields &fields) const override;
     void Read(ValueBase &value, const XmlFields &fields) const override;
+
+private:
+    static T limitOf(const std::optional<ValueType> &otherKind, const XmlText &field);
 };
 
 /// The kinds with these handlers: T.

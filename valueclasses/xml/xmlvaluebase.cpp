@@ -111,13 +111,22 @@ void XmlValueBase::Write(ValueBase &value, XmlFieldSink &sink) const
     sink.Text(u"ValueDescriptor", key, XmlTextForms::ExactText(key));
 }
 
+std::optional<ValueType> XmlValueBase::OtherKind(const ValueBase &value, const XmlFields &fields)
+{
+    if (fields.Holds(u"Type", value.GetTypeName()))
+        return std::nullopt;
+    const QString type = fields.Find(u"Type").text;
+    if (type.isEmpty())
+        return std::nullopt;
+    return ValueFactory::Instance().TypeForTypeName(type);
+}
+
 void XmlValueBase::Check(ValueBase &value, const XmlFields &fields) const
 {
     requireFit(value);
-    const QString type = fields.Find(u"Type").text;
-    if (type != value.GetTypeName() && !type.isEmpty() &&
-        !ReadsType(ValueFactory::Instance().TypeForTypeName(type)))
-        fail(value, QStringLiteral("a %1 can't be read from a %2").arg(value.GetTypeName(), type));
+    if (const auto kind = OtherKind(value, fields); kind && !ReadsType(*kind))
+        fail(value, QStringLiteral("a %1 can't be read from a %2")
+                        .arg(value.GetTypeName(), fields.Find(u"Type").text));
     try {
         XmlTextForms::TextOf(fields.Find(u"ValueDescriptor"));
     } catch (const KRException &error) {
@@ -127,8 +136,13 @@ void XmlValueBase::Check(ValueBase &value, const XmlFields &fields) const
 
 void XmlValueBase::Read(ValueBase &value, const XmlFields &fields) const
 {
-    _Q_assert(!value.GetName().isEmpty(), "!pValue->GetName().isEmpty()", __FILE__, __LINE__);
     _Q_assert(value.GetType() != VTYPE_None, "pValue->GetType() != VTYPE_None", __FILE__, __LINE__);
+    ReadDescriptor(value, fields);
+}
+
+void XmlValueBase::ReadDescriptor(ValueBase &value, const XmlFields &fields)
+{
+    _Q_assert(!value.GetName().isEmpty(), "!pValue->GetName().isEmpty()", __FILE__, __LINE__);
     const QString key = XmlTextForms::TextOf(fields.Find(u"ValueDescriptor"));
     const auto *const map = IValueDescriptorMap::Instance();
     value.SetValueDescriptor(key.isEmpty() || map == nullptr ? nullptr : map->Find(key));

@@ -6,6 +6,8 @@
 #include <QDomDocument>
 #include <QDomElement>
 
+#include <optional>
+
 namespace values {
 
 /// Converts values of one kind to the elements of a tree document, and back.
@@ -39,6 +41,9 @@ public:
 protected:
     /// Whether the fields of another kind will do.
     virtual bool ReadsType(ValueType) const { return false; }
+    /// The kind that the fields are of, when they name another one than that of \a value.
+    static std::optional<ValueType> OtherKind(const ValueBase &value, const XmlFields &fields);
+    static void ReadDescriptor(ValueBase &value, const XmlFields &fields);
     [[noreturn]] static void fail(const ValueBase &value, const QString &reason);
 
 private:

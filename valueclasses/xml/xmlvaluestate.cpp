@@ -68,7 +68,7 @@ void XmlValueState::Check(ValueBase &value, const XmlFields &fields) const
 
 void XmlValueState::Read(ValueBase &value, const XmlFields &fields) const
 {
-    XmlValueBase::Read(value, fields);
+    ReadDescriptor(value, fields); // a kind with the number 0 is as good as any here
     readOffset(value, fields.Find(u"Offset"));
     if (!fields.IsTargetGone())
         ReadState(value, fields.Find(u"State"), fields);
@@ -86,7 +86,7 @@ void XmlValueState::WriteState(ValueBase &value, XmlFieldSink &sink)
 
 void XmlValueState::CheckState(ValueBase &value, const XmlText &state)
 {
-    const LastDeletedObject last = LastDeletedObject::Instance(); // the trial value comes and goes
+    const KeepLastDeletedObject keep; // the trial value comes and goes
     const std::unique_ptr<ValueBase> trial(
         ValueFactory::Instance().CreateValue(value.GetTypeName()));
     if (trial == nullptr)
@@ -103,7 +103,6 @@ void XmlValueState::CheckState(ValueBase &value, const XmlText &state)
     } catch (const std::exception &error) {
         fail(value, QString::fromUtf8(error.what()));
     }
-    LastDeletedObject::Instance() = last;
 }
 
 void XmlValueState::ReadState(ValueBase &value, const XmlText &state, const XmlFields &fields)

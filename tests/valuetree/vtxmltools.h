@@ -1,0 +1,34 @@
+#pragma once
+
+#include "platform/base/krexception.h"
+#include "valuetree/treelog.h"
+#include "valuetree/vtxml.h"
+
+namespace values {
+
+inline QString document(const QString &items, const QString &version = QStringLiteral("1.0"))
+{
+    return QStringLiteral("<!DOCTYPE Vt><Vt Version=\"%2\">%1</Vt>").arg(items, version);
+}
+
+inline QString reasonOf(Node &node, const QString &xml)
+{
+    try {
+        VtXml::FromXml(&node, xml);
+    } catch (const KRException &error) {
+        return error.GetReason();
+    }
+    return {};
+}
+
+/// Ends the disabled state in which restored values wait for their owner.
+inline void enable(Node &node)
+{
+    for (TreeItem *const item : node.GetTreeItems())
+        if (Node *const child = item->AsNode())
+            enable(*child);
+        else
+            item->AsValueItem()->SetState(VS_NORMAL, nullptr);
+}
+
+} // namespace values
