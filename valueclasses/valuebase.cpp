@@ -226,8 +226,8 @@ const std::string &ValueBase::GetTranslationNamespace() const
 void ValueBase::SetTranslationNamespace(const char *name, IObserver *source)
 {
     const std::string newName = name != nullptr ? name : "";
-    if (PostIfForeign([=, this] { SetTranslationNamespace(newName.c_str(), source); }))
-        return;
+    if (IsChangeForeign())
+        return PostChange([=, this] { SetTranslationNamespace(newName.c_str(), source); });
     if (GetTranslationNamespace() == newName)
         return;
     rare().translationNamespace = newName;

@@ -209,9 +209,9 @@ protected:
     void ChangeField(T &field, std::type_identity_t<T> value, TChangeCode code, IObserver *source,
                      MakeCommand make)
     {
-        if (PostIfForeign([=, this, &field] { ChangeField(field, value, code, source, make); }))
-            return;
-        if (!(field == value))
+        if (IsChangeForeign()) [[unlikely]] // asked first, so that nothing is copied in vain
+            PostChange([=, this, &field] { ChangeField(field, value, code, source, make); });
+        else if (!(field == value))
             StoreChanged(field, std::move(value), code, source, make);
     }
     /// The road behind the test for an equal value, on a thread that may go it.
@@ -284,6 +284,7 @@ private:
     void forgetUndo();
     Rare &rare();
     void updateRecordingFlags();
+    void executeAll(const std::vector<std::unique_ptr<KELM::ICommand>> &commands);
     void releaseCommands();
     int startTimer(unsigned int milliseconds);
     NotifyDistinction &handOver();

@@ -158,8 +158,17 @@ void ValueBase::SetCommandString(const std::string &commands, IObserver *source,
 {
     std::vector<std::unique_ptr<KELM::ICommand>> parsed;
     SetCommandString(commands, parsed, source, mode);
+    if (!IsChangeForeign())
+        return executeAll(parsed);
+    // Whole, so that no change of the application thread falls between two of them.
+    const auto posted = std::make_shared<decltype(parsed)>(std::move(parsed));
+    PostChange([this, posted] { executeAll(*posted); });
+}
+
+void ValueBase::executeAll(const std::vector<std::unique_ptr<KELM::ICommand>> &commands)
+{
     const LifeWatch watch(this);
-    for (auto command = parsed.begin(); command != parsed.end() && !watch.IsGone(); ++command)
+    for (auto command = commands.begin(); command != commands.end() && !watch.IsGone(); ++command)
         (*command)->Execute();
 }
 

@@ -86,7 +86,9 @@ void ValueNumeric<T, F, S>::SetMinMax(T minimum, T maximum, T step, IObserver *s
 template <typename T, typename F, typename S>
 void ValueNumeric<T, F, S>::SetMinMax(const QPair<T, T> &limits, IObserver *source)
 {
-    SetMinMax(limits.first, limits.second, GetStep(), source);
+    // The step is read behind the changes that wait.
+    if (!this->PostIfForeign([=, this] { ValueNumeric::SetMinMax(limits, source); }))
+        SetMinMax(limits.first, limits.second, GetStep(), source);
 }
 
 template <typename T, typename F, typename S>

@@ -4,6 +4,7 @@
 #include "platform/base/krexception.h"
 #include "valueclasses/notifydistinction.h"
 #include "valueclasses/testvalue.h"
+#include "valueclasses/valuenumeric.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -40,29 +41,53 @@ TEST(ValueThreads, ANotificationArrivesOnTheApplicationThread)
 
 TEST(ValueThreads, ARecordedChangeIsPostedWhole)
 {
-    std::string commands;
-    CodeLog log;
-    TestValue value;
-    log.then = [&](Observable *, TChangeCode) {
-        commands += value.GetCommandStringForRecording(unsigned(-1));
-    };
-    value.AddObserver(&log);
+    const std::string kRecorded = "3;1;2;7;Ns;4;3;";
+    for (const bool asString : {false, true}) {
+        SCOPED_TRACE(asString);
+        std::string commands;
+        CodeLog log;
+        TestValue value;
+        log.then = [&](Observable *, TChangeCode) {
+            commands += value.GetCommandStringForRecording(unsigned(-1));
+        };
+        value.AddObserver(&log);
+        value.CommandRecordingOn();
+        ErrorHandler::Instance().SetTraceMask(0);
+        runElsewhere([&] {
+            if (asString) {
+                EXPECT_THROW(value.SetCommandString("1;2;x", nullptr, -1), KRException);
+                value.SetCommandString(kRecorded, nullptr, -1);
+                return;
+            }
+            value.StartTransaction(nullptr);
+            value.SetState(VS_DISABLED, nullptr);
+            value.SetTranslationNamespace("Ns", nullptr);
+            value.EndTransaction(CC_VALUE, nullptr);
+            EXPECT_EQ(value.SetUpdateTimerTime(1000), 0);
+        });
+        ErrorHandler::Instance().SetTraceMask(TraceWarnings);
+        EXPECT_EQ(value.GetState(), VS_NORMAL);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(value.GetState(), VS_DISABLED);
+        EXPECT_THAT(log.codes, ElementsAre(CC_VALUE));
+        EXPECT_EQ(commands, kRecorded);
+        EXPECT_EQ(value.GetUpdateTimerTime(), asString ? 0U : 1000U);
+    }
+}
+
+TEST(ValueThreads, APostedChangeReadsWhatEarlierOnesSet)
+{
+    ValueNumeric<int> value("Gain", 1, 0, 100, 1);
     value.CommandRecordingOn();
     ErrorHandler::Instance().SetTraceMask(0);
     runElsewhere([&] {
-        value.StartTransaction(nullptr);
-        value.SetState(VS_DISABLED, nullptr);
-        value.SetTranslationNamespace("Ns", nullptr);
-        value.EndTransaction(CC_VALUE, nullptr);
-        EXPECT_EQ(value.SetUpdateTimerTime(1000), 0);
+        value.SetStep(5, nullptr);
+        value.SetMinMax({0, 10}, nullptr);
     });
     ErrorHandler::Instance().SetTraceMask(TraceWarnings);
-    EXPECT_EQ(value.GetState(), VS_NORMAL);
     QCoreApplication::processEvents();
-    EXPECT_EQ(value.GetState(), VS_DISABLED);
-    EXPECT_THAT(log.codes, ElementsAre(CC_VALUE));
-    EXPECT_EQ(commands, "3;1;2;7;Ns;4;3;");
-    EXPECT_EQ(value.GetUpdateTimerTime(), 1000U);
+    EXPECT_EQ(value.GetMax(), 10);
+    EXPECT_EQ(value.GetStep(), 5);
 }
 
 TEST(ValueThreads, PostedChangesStayInOrderWhenRecordingEnds)
