@@ -73,7 +73,9 @@ void LogDF::disconnect()
 
 void LogDF::toLogger()
 {
-    if (GetLoggerSend().isEmpty() || GetLoggerType().isEmpty() || m_bearing == nullptr)
+    // While it dies, nothing but its base may be asked.
+    if (GetLoggerSend().isEmpty() || GetLoggerType().isEmpty() || m_bearing == nullptr ||
+        m_bearing->ValueBase::GetState() == VS_DELETED)
         return;
     const BearingResult bearing = m_bearing->GetValue();
     const QString count = QString::number(bearing.count);

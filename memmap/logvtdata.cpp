@@ -44,9 +44,9 @@ bool LogVTData::connect()
     for (Trigger &trigger : m_triggers) {
         if (trigger.value != nullptr || trigger.path.isEmpty())
             continue;
-        trigger.value = Tree::Instance().GetValue(trigger.path);
-        if (trigger.value != nullptr)
-            Watch(trigger.value);
+        ValueBase *const value = Tree::Instance().GetValue(trigger.path);
+        if (value != nullptr && value->GetState() != VS_DELETED)
+            Watch(trigger.value = value);
         else
             whole = false;
     }

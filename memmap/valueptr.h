@@ -55,7 +55,8 @@ protected:
     {
         return dynamic_cast<const V *>(&value) != nullptr;
     }
-    const V *Get() const { return static_cast<const V *>(GetValue()); }
+    /// Null also while the value dies: an observer in front of the log may change a trigger then.
+    const V *Get() const { return dynamic_cast<const V *>(GetValue()); }
 };
 
 /// An argument that is a number, multiplied by a factor before it is written.

@@ -231,10 +231,12 @@ void ValueSelection::removeItem(int position, IObserver *source)
         indexOfItem(removed.GetName(), removed.GetValue(), removed.GetKey()) == position;
     m_items.erase(m_items.begin() + position);
     m_firstByName.clear();
-    if (m_current == position)
+    if (m_current == position) {
         m_current = -1;
-    else if (m_current > position)
+        m_changed = 0;
+    } else if (m_current > position) {
         --m_current;
+    }
     if (Record() && !isFirst)
         recordItems(source);
     else if (Record())

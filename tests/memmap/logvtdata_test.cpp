@@ -211,6 +211,41 @@ TEST_F(Log, LetsItsValuesDieInAnyOrder)
     EXPECT_THAT(lines(), ElementsAre("m|T|#0 #1"));
 }
 
+/// Answers the end of a value by a change of a log's trigger.
+struct AnswersTheEnd : IObserver {
+    void Update(Observable * /*subject*/, TChangeCode code) override
+    {
+        if (code == CC_STATE)
+            trigger->SetValue(trigger->GetValue() + '!', nullptr);
+    }
+    Value<QString> *trigger = nullptr;
+};
+
+TEST_F(Log, AsksNothingOfADyingValue)
+{
+    auto *const bearing = new Value<BearingResult>("BEARING");
+    add(bearing);
+    AnswersTheEnd first; // in front of the logs
+    first.trigger = note;
+    level->AddObserver(&first);
+    bearing->AddObserver(&first);
+    LogVTData log;
+    ASSERT_TRUE(log.LoadFromText(kHead + "INTEGER,/RX/LEVEL,#0\n" + kTail +
+                                 "@LOGGERSEND,#0\n@VALUECHANGE\n/RX/NOTE\n@ENDVALUECHANGE\n"));
+    log.EnableTrigger(true);
+    LogDF bearings;
+    EXPECT_TRUE(bearings.SetBearingResult_ValuePath("/RX/BEARING") &&
+                bearings.AddTrigger_ValuePath("/RX/NOTE") && bearings.connect());
+    bearings.EnableTrigger(true);
+    tree.DeleteValue("/RX/BEARING");
+    tree.DeleteValue("/RX/LEVEL");
+    EXPECT_THAT(lines(), ElementsAre("m|T|0", "m|T|"));
+    log.disconnect();
+    note->SetState(VS_DELETED, nullptr);
+    EXPECT_FALSE(log.connect());
+    EXPECT_FALSE(log.isTriggerAvailable());
+}
+
 /// A sink that changes the trigger of the line that it takes.
 struct ChangingSink : ILogSink {
     explicit ChangingSink(ValueNumeric<int> &trigger) : value(trigger) {}

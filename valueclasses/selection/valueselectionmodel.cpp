@@ -131,7 +131,8 @@ QHash<int, QByteArray> ValueSelectionModel::roleNames() const
 
 void ValueSelectionModel::slotSelectRow(int row)
 {
-    if (m_selection != nullptr)
+    // While it dies, nothing but its base may be asked.
+    if (m_selection != nullptr && m_selection->ValueBase::GetState() != VS_DELETED)
         m_selection->SelectIndex(row, nullptr);
 }
 
