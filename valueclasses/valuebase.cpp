@@ -152,15 +152,18 @@ ValueBase::~ValueBase()
         m_rare->timer.reset();
     setFlag(AutoDelete, false);
     m_state = VS_DELETED;
+    // An observer may run the event loop, or undo: neither may reach what is half destroyed.
+    delete m_handOver.exchange(nullptr, std::memory_order_acquire);
+    setFlag(HandsOver, false);
+    forgetUndo();
+    m_undoManager.store(nullptr);
     // An observer that wasn't told, for a transaction is open, would keep a dangling pointer.
     setFlag(NotifyEnabled, true);
     ValueBase::NotifyObservers(CC_STATE, nullptr);
-    forgetUndo();
     if (m_rare != nullptr && m_rare->notifyDeleteFn)
         std::exchange(m_rare->notifyDeleteFn, nullptr)(this);
     if (m_deleteObserver != nullptr)
         m_deleteObserver->NotifyDelete(this);
-    delete m_handOver.load(std::memory_order_acquire);
 }
 
 ValueBase::Rare &ValueBase::rare()

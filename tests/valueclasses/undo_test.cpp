@@ -88,6 +88,10 @@ TEST_F(UndoTest, AChangeOutsideOfAStackOrOfADeletedValueEmptiesTheHistory)
             dying->SetUndoManager(&undo);
             stack("dying", [&] { dying->SetValue(1, nullptr); });
             dying->SetUndoManager(nullptr); // too late: the manager has its command
+            dying->AddObserver(&log);
+            log.then = [&](Observable *, TChangeCode) { EXPECT_FALSE(undo.ExecuteUndoStacks(1)); };
+            dying.reset();
+            log.then = nullptr;
         },
         [&] { undo = UndoManager(5); },
     };

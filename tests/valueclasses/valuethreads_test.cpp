@@ -159,9 +159,15 @@ TEST(ValueThreads, AFloodOfNotificationsEndsWithTheNewestState)
 TEST(ValueThreads, WhatIsUnderWayDiesWithTheValue)
 {
     CodeLog log;
-    auto value = std::make_unique<TestValue>();
+    auto value = std::make_unique<ValueNumeric<int>>("Gain", 1, 0, 100);
     value->AddObserver(&log);
-    runElsewhere([&] { value->HasChanged(CC_VALUE, nullptr); });
+    // An observer may wait for a button, say.
+    log.then = [](Observable *, TChangeCode) { QCoreApplication::processEvents(); };
+    runElsewhere([&] { value->SetValue(2, nullptr); });
+    value->CommandRecordingOn();
+    ErrorHandler::Instance().SetTraceMask(0);
+    runElsewhere([&] { value->SetValue(3, nullptr); });
+    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
     value.reset();
     QCoreApplication::processEvents();
     EXPECT_THAT(log.codes, ElementsAre(CC_STATE));
