@@ -351,9 +351,9 @@ void Node::AddItemUnique(TreeItem *item)
     requireTakeable(item); // before it has another name
     if (!requireNew(*item))
         return;
-    const ItemWatch watch(item);
+    const ItemWatch watch(this), itemWatch(item);
     item->SetName(GetUniqueChildName(item->m_name), nullptr);
-    if (!watch.isGone())
+    if (!watch.isGone() && !itemWatch.isGone())
         AddItem(item);
 }
 

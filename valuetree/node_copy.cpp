@@ -93,7 +93,8 @@ Node *Node::CopyChildNode(const Node *other)
 {
     if (other == nullptr || other->m_name.isEmpty())
         return nullptr;
-    if (TreeItem *const present = GetChild(other->m_name)) {
+    const QString name = other->m_name; // an observer may end any of these
+    if (TreeItem *const present = GetChild(name)) {
         Node *const node = present->AsNode();
         const ItemWatch watch(node);
         if (node != nullptr)
@@ -102,9 +103,10 @@ Node *Node::CopyChildNode(const Node *other)
     }
     auto copy = std::make_unique<Node>();
     copy->Copy(other);
+    const ItemWatch watch(this);
     AddItem(copy.get());
     static_cast<void>(copy.release());
-    return GetChildNode(other->m_name);
+    return watch.isGone() ? nullptr : GetChildNode(name);
 }
 
 void Node::Merge(const Node *other)

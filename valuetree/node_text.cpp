@@ -55,7 +55,7 @@ void Node::SetAsStdString(std::string_view text, IObserver *source)
                           __LINE__);
     takeDescriptorKey(text); // before the name has changed
     const ItemWatch watch(this);
-    if (*name != m_name)
+    if (*name != m_name && !name->isEmpty()) // a root, say, has none to give
         SetName(*name, source);
     if (!watch.isGone())
         SetValueAsStdString(text, source);

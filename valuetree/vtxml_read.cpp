@@ -162,9 +162,8 @@ std::size_t TreeReader::descriptorOf(std::size_t element) const
 {
     const auto end = std::size_t(m_elements[element].end);
     for (std::size_t i = element + 1; i < end; i = std::size_t(m_elements[i].end)) {
-        if (m_elements[i].role != Role::Other)
-            return 0; // it stands before the items
-        if (m_document.view(m_elements[i].name) == QLatin1String("ValueDescriptor"))
+        if (m_elements[i].role == Role::Other &&
+            m_document.view(m_elements[i].name) == QLatin1String("ValueDescriptor"))
             return i;
     }
     return 0;
@@ -244,7 +243,14 @@ void TreeReader::applyValue(Node &parent, std::size_t at, const QString &name)
         return traceSkipped(name);
     const LifeWatch target(value); // an observer may put another one into its place
     const ElementFields fields(m_document, at, &target);
-    XmlValueFactory::Instance().HandlerFor(*value).Read(*value, fields);
+    const XmlValueBase &handler = XmlValueFactory::Instance().HandlerFor(*value);
+    // Another one than was checked, perhaps, which an observer has put here.
+    try {
+        handler.Check(*value, fields);
+    } catch (const KRException &) {
+        return traceSkipped(name);
+    }
+    handler.Read(*value, fields);
 }
 
 void TreeReader::traceSkipped(const QString &name)

@@ -12,7 +12,8 @@ namespace values {
 
 namespace {
 
-/// Counts what is written, so that no document comes about that couldn't be read again.
+/// Counts what is written, so that no document comes about that couldn't be read again. Escapes
+/// make texts longer: the end is looked at once more.
 class Limits {
 public:
     explicit Limits(const QString &out) : m_out(out) {}
@@ -24,6 +25,10 @@ public:
                 QStringLiteral("The tree has more than the %1 elements that a document may have.")
                     .arg(kMostElements),
                 "ToXml");
+        requireRoomFor(length);
+    }
+    void requireRoomFor(qsizetype length) const
+    {
         if (m_out.size() + length > kLongestDocument)
             VtXmlParts::fail(
                 QStringLiteral("The tree has more than the %1 characters that a document may have.")
@@ -73,6 +78,7 @@ public:
         m_writer.WriteAttribute(u"Version", VtXml::GetVersion());
         writeChildren(node);
         m_writer.EndElement();
+        m_limits.requireRoomFor(0);
     }
 
 private:

@@ -41,8 +41,8 @@ bool isCrowded(QStringView text)
     return false;
 }
 
-/// Counts the elements by their tags, before a parser takes memory for each: it would compare every
-/// attribute of an element with every other, too.
+/// Counts the elements by their tags, and refuses declarations, before a parser takes memory for
+/// each: it would compare every attribute of an element with every other, too.
 class TagCount {
 public:
     explicit TagCount(QStringView xml) : m_xml(xml) {}
@@ -72,8 +72,14 @@ private:
             return behind(u"?>", at + 2);
         const qsizetype next = m_xml.indexOf(u'<', at + 1); // no tag can hold one
         const qsizetype length = (next < 0 ? m_xml.size() : next) - at - 1;
-        if (tag.startsWith(u'/') || tag.startsWith(u'!'))
+        if (tag.startsWith(u'/'))
             return next;
+        if (tag.startsWith(u'!')) {
+            if (m_hasType || tag.left(length).contains(u'['))
+                failAt(at, QStringLiteral("The document type has declarations of its own"));
+            m_hasType = true;
+            return next;
+        }
         if (++m_elements > kMostElements)
             failAt(at, QStringLiteral("There are more than %1 elements").arg(kMostElements));
         if (length > 4 * kMostAttributes && isCrowded(tag.left(length)))
@@ -95,6 +101,7 @@ private:
 
     const QStringView m_xml;
     std::size_t m_elements = 0;
+    bool m_hasType = false; // a "<!DOCTYPE", the one declaration that a document may have
 };
 
 } // namespace

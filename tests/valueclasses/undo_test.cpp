@@ -330,6 +330,18 @@ TEST_F(UndoTest, ClientsOpenFinishShowAndRunStacksOfAServer)
     EXPECT_EQ(value.GetValue(), 1);
     client.ExecuteUndo(UndoManager::kAllStacks);
     EXPECT_EQ(value.GetValue(), 0);
+
+    triggerClient.OpenNewUndoStack("first");
+    {
+        const ValueTransaction transaction = value.CreateTransaction(CC_VALUE, nullptr);
+        triggerClient.OpenNewUndoStack("second"); // waits for the end
+        value.SetValue(8, nullptr);
+    }
+    value.SetValue(9, nullptr);
+    triggerClient.FinishCurrentUndoStack();
+    EXPECT_THAT(undo.GetUndoStackDescriptions(), ElementsAre("first", "second"));
+    client.ExecuteUndo(1);
+    EXPECT_EQ(value.GetValue(), 8);
 }
 
 TEST_F(UndoTest, AnEndLeavesATextThatIsMarkedAsDeleted)

@@ -70,18 +70,34 @@ UndoRecordingTriggerByValueServer::UndoRecordingTriggerByValueServer(UndoManager
                                                                      Value<QString> *trigger)
     : UndoRemoteValue(trigger), m_manager(manager)
 {
+    m_manager->AddRecordingsListener(this);
+}
+
+UndoRecordingTriggerByValueServer::~UndoRecordingTriggerByValueServer()
+{
+    if (IUndoManager::IsAlive(m_manager))
+        m_manager->DeleteRecordingsListener(this);
 }
 
 void UndoRecordingTriggerByValueServer::TextChanged(const QString &text)
 {
     if (!IUndoManager::IsAlive(m_manager))
         return;
+    m_wanted.reset(); // the newest wish counts
     m_manager->FinishCurrentUndoStack();
     const QString payload = PayloadOf(text);
-    if (payload.startsWith(QLatin1Char('+')) &&
-        !m_manager->OpenNewUndoStack(decoded(payload.mid(1))))
-        SPECTREE_TRACE(TraceLifecycle,
-                       QStringLiteral("A client's undo stack can't be opened now: %1").arg(text));
+    if (!payload.startsWith(QLatin1Char('+')))
+        return;
+    const QString description = decoded(payload.mid(1));
+    if (!m_manager->OpenNewUndoStack(description))
+        m_wanted = description;
+}
+
+void UndoRecordingTriggerByValueServer::OnUndoRecordingsChanged()
+{
+    // Without a stack the next change would empty the history.
+    if (m_wanted && m_manager->OpenNewUndoStack(*m_wanted))
+        m_wanted.reset();
 }
 
 UndoRecordingTriggerByValueClient::UndoRecordingTriggerByValueClient(Value<QString> *trigger)

@@ -5,6 +5,7 @@
 
 #include <QString>
 
+#include <optional>
 #include <vector>
 
 /// Undo over a tree connection: a manager on the server, its clients anywhere, and texts that both
@@ -42,22 +43,26 @@ private:
 };
 
 /// Finishes and opens the stacks of a manager as clients ask for it.
-class SPECTREE_EXPORT UndoRecordingTriggerByValueServer : public UndoRemoteValue {
+class SPECTREE_EXPORT UndoRecordingTriggerByValueServer : public UndoRemoteValue,
+                                                          public IUndoRecordingsListener {
 public:
     UndoRecordingTriggerByValueServer(UndoManager *manager, Value<QString> *trigger);
+    ~UndoRecordingTriggerByValueServer() override;
+    void OnUndoRecordingsChanged() override;
 
 protected:
     void TextChanged(const QString &text) override;
 
 private:
     UndoManager *m_manager;
+    std::optional<QString> m_wanted; // a stack to be opened when the present one is finished
 };
 
 class SPECTREE_EXPORT UndoRecordingTriggerByValueClient : private UndoRemoteValue {
 public:
     explicit UndoRecordingTriggerByValueClient(Value<QString> *trigger);
     /// Finishes the server's open stack, then opens another one. A stack with an open transaction
-    /// stays, and takes what follows.
+    /// takes what follows until that ends, and then the other one is opened.
     void OpenNewUndoStack(const QString &description);
     void FinishCurrentUndoStack();
 };
