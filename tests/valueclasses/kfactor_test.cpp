@@ -248,11 +248,11 @@ TEST(ValueKFactor, GoesTheRoadOfAChange)
 {
     using V = ValueKFactor;
     const auto road = [](const char *name, std::function<void(V &)> set) {
-        return RoadCase{.name = name,
-                        .make = makeValue,
-                        .set = [set](ValueBase &value) { set(dynamic_cast<V &>(value)); },
-                        .codes = {CC_VALUE},
-                        .text = {}};
+        return RoadCase{
+            .name = name,
+            .make = makeValue,
+            .set = [set](ValueBase &value, IObserver *) { set(dynamic_cast<V &>(value)); },
+            .codes = {CC_VALUE}};
     };
     const RoadCase cases[] = {
         road("value",
@@ -272,14 +272,12 @@ TEST(ValueKFactor, GoesTheRoadOfAChange)
     };
     for (const RoadCase &c : cases)
         checkRoad(c);
-    checkRoad({.name = "pure",
-               .make = [] { return std::make_unique<KFactorPure>(); },
-               .set =
-                   [](ValueBase &value) {
-                       dynamic_cast<KFactorPure &>(value).SetValue(curve(), nullptr);
-                   },
-               .codes = {CC_VALUE},
-               .text = {}});
+    checkRoad(
+        {.name = "pure",
+         .make = [] { return std::make_unique<KFactorPure>(); },
+         .set = [](ValueBase &value,
+                   IObserver *on) { dynamic_cast<KFactorPure &>(value).SetValue(curve(), on); },
+         .codes = {CC_VALUE}});
 }
 
 TEST(ValueKFactor, UndoesWhatNoStringHolds)

@@ -1,12 +1,7 @@
 #include "platform/base/krexception.h"
 #include "valueclasses/changeroad.h"
-#include "valueclasses/selection/selectioncommands.h"
 #include "valueclasses/selection/valueselectionhelpers.h"
 #include "valueclasses/valueselection.h"
-
-#include <QCoreApplication>
-
-#include <thread>
 
 namespace {
 
@@ -32,74 +27,85 @@ std::vector<std::string> names(const ValueSelection &selection)
     return all;
 }
 
-RoadCase road(const char *name, std::function<void(ValueSelection &)> set, std::vector<int> codes,
-              std::string text, RoadCase::Again again = RoadCase::Quiet, int chosen = -1)
-{
-    const auto make = [chosen] {
-        auto modes = makeModes();
-        modes->SelectIndex(chosen, nullptr);
-        return modes;
-    };
-    const auto change = [set](ValueBase &value) { set(dynamic_cast<ValueSelection &>(value)); };
-    return {name, make, change, std::move(codes), std::move(text), again};
-}
+#define SET(...) [&](S &s) { s.__VA_ARGS__; }
 
 TEST(ValueSelection, GoesTheRoadOfAChange)
 {
     using S = ValueSelection;
-    constexpr auto kRepeats = RoadCase::Repeats;
-    const SelItemDesc declared[] = {{L"USB", 6, 6}, {QString("LSB"), 7, 7}};
-    const RoadCase cases[] = {
-        road(
-            "by name", [](S &s) { s.Select("FM", nullptr); }, {3}, "20;FM;"),
-        road(
-            "by text", [](S &s) { s.SetStringValue("CW", nullptr); }, {3}, "20;CW;"),
-        road(
-            "by value", [](S &s) { s.Select(1.5, nullptr, false); }, {3}, "21;1.500000;"),
-        road(
-            "nearest value", [](S &s) { s.Select(3.0, nullptr, true); }, {3}, "21;4.000000;"),
-        road(
-            "by key", [](S &s) { s.Select(20, nullptr); }, {3}, "22;20;"),
-        road(
-            "by key 0", [](S &s) { s.Select(0, nullptr); }, {3}, "22;0;"),
-        road(
-            "from key 0", [](S &s) { s.Select(20, nullptr); }, {3}, "22;20;", {}, 3),
-        road(
-            "from the second of two", [](S &s) { s.Select("FM", nullptr); }, {3}, "", {}, 2),
-        road(
-            "by index", [](S &s) { s.SelectIndex(2, nullptr); }, {3}, "26;2;"),
-        road(
-            "next", [](S &s) { s.SelectNext(true, nullptr); }, {3}, "26;0;", kRepeats),
-        road(
-            "back", [](S &s) { s.SelectNext(false, nullptr); }, {3}, "26;3;", kRepeats, 0),
-        road(
-            "add", [](S &s) { s.AddItem("AM", 0.5, 10, nullptr); }, {5}, "23;AM;0.500000;10;",
-            kRepeats, 1),
-        road(
-            "add names",
-            [](S &s) {
-                s.AddItems({"a", "b"}, nullptr);
-            },
-            {5}, "3;23;a;4.000000;4;23;b;5.000000;5;4;5;", kRepeats),
-        road(
-            "add to itself", [](S &s) { s.AddItemsFrom(s, nullptr); }, {5}, "", kRepeats, 1),
-        road(
-            "declared", [&](S &s) { SelItemDesc::AddItems(declared, 2, &s, nullptr); }, {5},
-            "3;23;USB;6.000000;6;23;LSB;7.000000;7;4;5;", kRepeats),
-        road(
-            "delete before the choice", [](S &s) { s.DeleteItem("FM", 1.5, 20, nullptr); }, {7},
-            "24;FM;1.500000;20;", {}, 3),
-        road(
-            "delete the choice", [](S &s) { s.DeleteItem(s.GetItem(20), nullptr); }, {7},
-            "24;FM;1.500000;20;", {}, 1),
-        road(
-            "delete the first of two", [](S &s) { s.DeleteItem("AM", 0.5, 10, nullptr); }, {7},
-            "24;AM;0.500000;10;", kRepeats, 2),
-        road(
-            "delete all", [](S &s) { s.DeleteItems(nullptr); }, {8}, "25;", kRepeats, 2),
+    constexpr auto kRepeats = RoadCase::Loud;
+    struct Row {
+        const char *name;
+        std::function<void(S &)> set;
+        std::vector<int> codes;
+        std::string text;
+        unsigned traits = 0;
+        int chosen = -1;
     };
-    for (const RoadCase &c : cases)
-        checkRoad(c);
+    const auto others = makeModes();
+    others->SelectIndex(1, nullptr);
+    const SelItemDesc declared[] = {{L"USB", 6, 6}, {QString("LSB"), 7, 7}};
+    const Row rows[] = {
+        {"by name", SET(Select("FM", nullptr)), {3}, "20;FM;"},
+        {"by text", SET(SetStringValue("CW", nullptr)), {3}, "20;CW;"},
+        {"by value", SET(Select(1.5, nullptr, false)), {3}, "21;1.500000;"},
+        {"nearest value", SET(Select(3.0, nullptr, true)), {3}, "21;4.000000;"},
+        {"by key", SET(Select(20, nullptr)), {3}, "22;20;"},
+        {"by key 0", SET(Select(0, nullptr)), {3}, "22;0;"},
+        {"from key 0", SET(Select(20, nullptr)), {3}, "22;20;", {}, 3},
+        {"from the second of two", SET(Select("FM", nullptr)), {3}, "", {}, 2},
+        {"by index", SET(SelectIndex(2, nullptr)), {3}, "26;2;"},
+        {"next", SET(SelectNext(true, nullptr)), {3}, "26;0;", kRepeats},
+        {"back", SET(SelectNext(false, nullptr)), {3}, "26;3;", kRepeats, 0},
+        {"add", SET(AddItem("AM", 0.5, 10, nullptr)), {5}, "23;AM;0.500000;10;", kRepeats, 1},
+        {"add names",
+         SET(AddItems({"a", "b"}, nullptr)),
+         {5},
+         "3;23;a;4.000000;4;23;b;5.000000;5;4;5;",
+         kRepeats},
+        {"add to itself", SET(AddItemsFrom(s, nullptr)), {5}, "", kRepeats, 1},
+        {"declared",
+         [&](S &s) { SelItemDesc::AddItems(declared, 2, &s, nullptr); },
+         {5},
+         "3;23;USB;6.000000;6;23;LSB;7.000000;7;4;5;",
+         kRepeats},
+        {"replace",
+         [&](S &s) { ValueSelectionHelpers::ReplaceItems(s, *others, nullptr); },
+         {7},
+         "",
+         kRepeats},
+        {"delete before the choice",
+         SET(DeleteItem("FM", 1.5, 20, nullptr)),
+         {7},
+         "24;FM;1.500000;20;",
+         {},
+         3},
+        {"delete the choice",
+         SET(DeleteItem(s.GetItem(20), nullptr)),
+         {7},
+         "24;FM;1.500000;20;",
+         {},
+         1},
+        {"delete the first of two",
+         SET(DeleteItem("AM", 0.5, 10, nullptr)),
+         {7},
+         "24;AM;0.500000;10;",
+         kRepeats,
+         2},
+        {"delete all", SET(DeleteItems(nullptr)), {8}, "25;", kRepeats, 2},
+    };
+    for (const Row &row : rows)
+        checkRoad(
+            {.name = row.name,
+             .make =
+                 [&row] {
+                     auto modes = makeModes();
+                     modes->SelectIndex(row.chosen, nullptr);
+                     return modes;
+                 },
+             .set = [&row](ValueBase &value, IObserver *) { row.set(static_cast<S &>(value)); },
+             .codes = row.codes,
+             .traits = row.traits,
+             .text = row.text});
 }
 
 TEST(ValueSelection, KeepsTheChoiceOnItsItem)
@@ -190,13 +196,7 @@ TEST(ValueSelection, OptimizesOnlyWhatIsSuperseded)
     };
     for (const Case &c : cases) {
         ValueSelection value("s");
-        std::vector<std::unique_ptr<KELM::ICommand>> parsed;
-        value.SetCommandString(c.commands, parsed, nullptr, ModeText);
-        CommandList list;
-        for (auto &command : parsed)
-            list.emplace_back(dynamic_cast<Command *>(command.release()));
-        value.OptimizeCommandList(list);
-        EXPECT_EQ(ValueBase::CreateCommandString(list, unsigned(ModeText)), c.optimized);
+        EXPECT_EQ(optimized(value, c.commands), c.optimized);
     }
 }
 
@@ -219,82 +219,6 @@ TEST(ValueSelection, CarriesTextsAsTheModesCan)
     copy.SetCommandString(plain.GetObjectStateStringForTransmission(unsigned(ModeText)), nullptr,
                           ModeText);
     EXPECT_EQ(copy.GetCurrentValue(), 0.333333);
-}
-
-/// One random change; the names and keys repeat, so that equal items occur.
-void changeAtRandom(ValueSelection &value, std::mt19937 &random)
-{
-    const int n = int(random() % 5);
-    const QString name = QString::fromUtf8("\xC3\xA4%1").arg(n);
-    SelectionItem *item = value.GetItemAt(int(random() % unsigned(value.GetItemCount() + 1)));
-    switch (random() % 12) {
-    case 0:
-        return void(value.Select(name, nullptr));
-    case 1:
-        return void(value.Select(n, nullptr));
-    case 2:
-        return void(value.Select(n + 0.4, nullptr, n % 2 == 0));
-    case 3:
-        return void(value.SelectNext(n % 2 == 0, nullptr));
-    case 4:
-        return void(value.DeleteItem(item, nullptr));
-    case 5:
-        return n == 0 ? value.DeleteItems(nullptr) : void(value.SelectIndex(n, nullptr));
-    case 6:
-        return value.AddItems({name, QString()}, nullptr);
-    case 7:
-        return value.SetState(n == 0 ? VS_DISABLED : VS_NORMAL, nullptr);
-    case 8: {
-        const ValueTransaction transaction(value, CC_VALUE, nullptr);
-        value.DeleteItem(item, nullptr);
-        return void(value.Select(name, nullptr));
-    }
-    default:
-        return value.AddItem(name, n, n, nullptr);
-    }
-}
-
-TEST(ValueSelection, UndoesAndReplaysARandomLife)
-{
-    checkRandomLife(20, 500, makeModes, changeAtRandom);
-}
-
-TEST(ValueSelection, CopiesWhatItHolds)
-{
-    const auto modes = makeModes();
-    modes->SelectIndex(1, nullptr);
-    ValueSelection copy(*modes), assigned;
-    assigned.Assign(*modes);
-    EXPECT_TRUE(copy == *modes && assigned == *modes);
-    copy.GetItemAt(0)->SetState(VS_DISABLED);
-    EXPECT_FALSE(copy == *modes);
-}
-
-TEST(ValueSelection, PostsAForeignChangeWhole)
-{
-    const auto modes = makeModes(), others = makeModes();
-    others->SelectIndex(1, nullptr);
-    const SelItemDesc declared(L"USB", 6, 6);
-    Recorder recorder(*modes, ModeText);
-    std::thread([&] {
-        EXPECT_TRUE(modes->Select("FM", nullptr));
-        modes->Select(10, nullptr);
-        modes->Select(4.1, nullptr, true);
-        modes->SelectIndex(1, nullptr);
-        modes->SelectNext(true, nullptr);
-        modes->AddItems({"x"}, nullptr);
-        modes->AddItem("y", 0, 0, nullptr);
-        modes->AddItemsFrom(*modes, nullptr);
-        modes->DeleteItem("x", 4.0, 4, nullptr);
-        modes->DeleteItems(nullptr);
-        ValueSelectionHelpers::ReplaceItems(*modes, *others, nullptr);
-        SelItemDesc::AddItems(&declared, 1, modes.get(), nullptr);
-    }).join();
-    EXPECT_TRUE(recorder.codes.empty());
-    QCoreApplication::sendPostedEvents();
-    EXPECT_THAT(recorder.codes, ElementsAre(3, 3, 3, 3, 3, 5, 5, 5, 7, 8, 7, 5));
-    EXPECT_THAT(names(*modes), ElementsAre("AM", "FM", "AM", "CW", "USB"));
-    EXPECT_EQ(modes->GetCurrentIndex(), 1);
 }
 
 TEST(ValueSelection, StaysUsableWithManyItems)
