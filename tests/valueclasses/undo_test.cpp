@@ -4,7 +4,7 @@
 #include "valueclasses/testvalue.h"
 #include "valueclasses/undo/undomanager.h"
 #include "valueclasses/undo/undoremote.h"
-#include "valueclasses/valuenumeric.h"
+#include "valuetree/tree.h"
 
 #include <gmock/gmock.h>
 
@@ -268,42 +268,52 @@ TEST_F(UndoTest, AStackIsFinishedWithItsLastOpenTransaction)
     ErrorHandler::Instance().SetTraceMask(TraceWarnings);
 }
 
-/// Both ends of a connection in one process: what one value records the other replays.
+/// A value in the trees of a server and a client, and the connection between them: what one side
+/// records the other replays.
+template <typename V>
 class Link : public IObserver {
 public:
-    Link(ValueBase &a, ValueBase &b) : m_a(a), m_b(b)
+    Link(BaseTree &atServer, BaseTree &atClient, const char *path)
+        : server(add(atServer, path)), client(add(atClient, path))
     {
-        for (ValueBase *end : {&m_a, &m_b}) {
-            end->CommandRecordingOnForTransmission();
-            end->AddObserver(this);
-        }
     }
     ~Link() override
     {
-        m_a.DeleteObserver(this);
-        m_b.DeleteObserver(this);
+        server->DeleteObserver(this);
+        client->DeleteObserver(this);
     }
-    void Update(Observable *subject, TChangeCode code) override
+    void Update(Observable *subject, TChangeCode) override
     {
-        ValueBase &from = subject == &m_a ? m_a : m_b;
-        if (code != CC_STATE || from.ValueBase::GetState() != VS_DELETED)
-            (&from == &m_a ? m_b : m_a)
-                .SetCommandString(from.GetCommandStringForTransmission(ModeText), this, ModeText);
+        V *const from = subject == server ? server : client;
+        (from == server ? client : server)
+            ->SetCommandString(from->GetCommandStringForTransmission(unsigned(ModeText)), this,
+                               ModeText);
     }
 
+    V *const server, *const client;
+
 private:
-    ValueBase &m_a, &m_b;
+    V *add(BaseTree &tree, const char *path)
+    {
+        auto *const value = dynamic_cast<V *>(tree.CreateValue(path, V()));
+        value->CommandRecordingOnForTransmission();
+        value->AddObserver(this);
+        return value;
+    }
 };
 
 TEST_F(UndoTest, ClientsOpenFinishShowAndRunStacksOfAServer)
 {
-    Value<QString> triggerS, triggerC, recordingsS, recordingsC, requestS, requestC;
-    Link trigger(triggerS, triggerC), recordings(recordingsS, recordingsC),
-        request(requestS, requestC);
-    UndoRecordingTriggerByValueServer triggerServer(&undo, &triggerS);
-    UndoRecordingsToValueServer server(&undo, &recordingsS, &requestS);
-    UndoRecordingTriggerByValueClient triggerClient(&triggerC);
-    UndoRecordingsToValueClient client(&recordingsC, &requestC);
+    BaseTree atServer, atClient;
+    const Link<Value<int>> level(atServer, atClient, "/RX/LEVEL");
+    const Link<Value<QString>> trigger(atServer, atClient, "/UNDO/TRIGGER"),
+        recordings(atServer, atClient, "/UNDO/RECORDINGS"),
+        request(atServer, atClient, "/UNDO/REQUEST");
+    level.server->SetUndoManager(&undo);
+    UndoRecordingTriggerByValueServer triggerServer(&undo, trigger.server);
+    UndoRecordingsToValueServer server(&undo, recordings.server, request.server);
+    UndoRecordingTriggerByValueClient triggerClient(trigger.client);
+    UndoRecordingsToValueClient client(recordings.client, request.client);
     Listener listener;
     client.AddRecordingsListener(&listener);
     EXPECT_THAT(client.GetUndoStackDescriptions(), IsEmpty());
@@ -311,25 +321,27 @@ TEST_F(UndoTest, ClientsOpenFinishShowAndRunStacksOfAServer)
     const QString odd = QString::fromUtf8("a; \xC3\xA4 %1");
     for (const QString &description : {odd, QString(), odd}) {
         triggerClient.OpenNewUndoStack(description);
-        value.SetValue(value.GetValue() + 1, nullptr);
+        level.client->SetValue(level.server->GetValue() + 1, nullptr);
     }
     EXPECT_THAT(client.GetUndoStackDescriptions(), ElementsAre(odd, QString())) << "one is open";
     client.ExecuteUndo(1);
-    EXPECT_EQ(value.GetValue(), 3) << "refused while a stack is open";
+    EXPECT_EQ(level.client->GetValue(), 3) << "refused while a stack is open";
     triggerClient.FinishCurrentUndoStack();
     EXPECT_EQ(client.GetUndoStackDescriptions().size(), 3U);
     client.ExecuteUndo(1);
     client.ExecuteUndo(1); // an equal request is one more
-    EXPECT_EQ(value.GetValue(), 1);
+    EXPECT_EQ(level.server->GetValue(), 1);
+    EXPECT_EQ(level.client->GetValue(), 1);
     EXPECT_THAT(client.GetUndoStackDescriptions(), ElementsAre(odd));
     EXPECT_EQ(listener.told, "rrrrr");
 
-    requestC.SetValue("7 x", nullptr); // not from our class
-    recordingsC.SetValue("5 a", nullptr);
+    request.client->SetValue("7 x", nullptr); // not from our class
+    recordings.client->SetValue("5 a", nullptr);
     EXPECT_THAT(client.GetUndoStackDescriptions(), IsEmpty());
-    EXPECT_EQ(value.GetValue(), 1);
+    EXPECT_EQ(level.client->GetValue(), 1);
     client.ExecuteUndo(UndoManager::kAllStacks);
-    EXPECT_EQ(value.GetValue(), 0);
+    EXPECT_EQ(level.client->GetValue(), 0);
+    level.server->SetUndoManager(nullptr);
 
     triggerClient.OpenNewUndoStack("first");
     {
