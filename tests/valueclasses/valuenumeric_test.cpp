@@ -1,6 +1,5 @@
 // Limits, steps, the changing value and the offset of numbers.
 #include "valueclasses/testvalue.h"
-#include "valueclasses/undo/undomanager.h"
 #include "valueclasses/valuenumericwithoffset.h"
 
 #include <gmock/gmock.h>
@@ -71,43 +70,6 @@ TYPED_TEST(ValueNumericTest, AChangingValueMakesNoTraffic)
     number.EndChangingValue(nullptr);
     EXPECT_EQ(value.GetValue(), 10);
     EXPECT_THAT(log.take(), ElementsAre(CC_VALUE));
-    value.DeleteObservers();
-}
-
-TYPED_TEST(ValueNumericTest, UndoAndStringsRestoreAValueOutsideOfItsLimits)
-{
-    UndoManager undo(10);
-    std::string commands;
-    CodeLog log;
-    TypeParam value, replica;
-    log.then = [&](Observable *, TChangeCode) {
-        commands += value.GetCommandStringForTransmission(unsigned(ModeBinary));
-    };
-    value.AddObserver(&log);
-    value.CommandRecordingOnForTransmission();
-    const auto replay = [&] {
-        replica.SetCommandString(std::exchange(commands, {}), nullptr, ModeBinary);
-        EXPECT_TRUE(replica.Compare(&value));
-        TypeParam restored;
-        restored.SetCommandString(value.GetObjectStateStringForTransmission(ModeBinary), nullptr,
-                                  ModeBinary);
-        EXPECT_TRUE(restored.Compare(&value));
-    };
-    value.SetUndoManager(&undo);
-    for (const bool above : {true, false}) {
-        undo.OpenNewUndoStack("all");
-        value.SetMinMax(-100, 100, 1, nullptr);
-        value.SetValue(above ? 50 : -50, nullptr);
-        value.SetMinMax(-7, 7, 1, nullptr); // keeps the value
-        replay();
-        value.SetValue(above ? 6 : -6, nullptr);
-        undo.FinishCurrentUndoStack();
-        replay();
-        EXPECT_TRUE(undo.ExecuteUndoStacks(1));
-        replay();
-        EXPECT_TRUE(value.Compare(std::make_unique<TypeParam>().get()));
-    }
-    value.SetUndoManager(nullptr);
     value.DeleteObservers();
 }
 

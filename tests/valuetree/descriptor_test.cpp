@@ -146,26 +146,6 @@ TEST(ValueFactory, CreatesAndCopiesTheKindThatWasAsked)
     EXPECT_EQ(factory.CloneValue(Special()), nullptr); // never a slice of it
 }
 
-TEST(ValueFactory, MakesEveryListAndVectorByName)
-{
-    const ValueFactory &factory = ValueFactory::Instance();
-    const auto check = [&](const QString &name, ValueType type, const std::type_info &kind) {
-        const std::unique_ptr<ValueBase> value(factory.CreateValue(name));
-        ASSERT_NE(value, nullptr) << name.toStdString();
-        const ValueBase &made = *value;
-        EXPECT_EQ(typeid(made), kind) << name.toStdString();
-        EXPECT_TRUE(factory.IsRegistered(type));
-    };
-#define SPECTREE_CHECK(T, FormatClass, Type, Name)                                                 \
-    check(Name, Type, typeid(ValueList<T, FormatClass>));
-    SPECTREE_FOR_EACH_LIST_KIND(SPECTREE_CHECK)
-#undef SPECTREE_CHECK
-#define SPECTREE_CHECK(T, FormatClass, Type, Name)                                                 \
-    check(Name, Type, typeid(ValueVector<T, FormatClass>));
-    SPECTREE_FOR_EACH_VECTOR_KIND(SPECTREE_CHECK)
-#undef SPECTREE_CHECK
-}
-
 TEST(YTypeDefinition, TellsTheDimensionsOfEachKind)
 {
     struct {

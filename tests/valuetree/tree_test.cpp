@@ -208,6 +208,39 @@ TEST(TreeLife, SetParentMovesAnItemOrTakesItOut)
     EXPECT_THAT(life.log.take(), ElementsAre("v 17", "v 1", "=v 1", "v 18", "=v 2"));
 }
 
+/// Destroys the observer behind it, then itself.
+struct Dying : IObserver {
+    void Update(Observable *subject, TChangeCode) override
+    {
+        for (IObserver *const each :
+             {static_cast<IObserver *>(next), static_cast<IObserver *>(this)})
+            subject->DeleteObserver(each);
+        delete next;
+        delete this;
+    }
+    Dying *next = nullptr;
+};
+
+TEST(TreeLife, ObserversMayDestroyThemselvesAndEachOther)
+{
+    TreeLog log;
+    BaseTree tree;
+    tree.AddValue("/n/v", new Int);
+    const std::initializer_list<Observable *> subjects = {
+        tree.GetValueItem("/n/v"), tree.GetValue("/n/v"), tree.GetNode("/n")};
+    for (Observable *const subject : subjects) {
+        auto *const first = new Dying;
+        first->next = new Dying;
+        subject->AddObserver(first);
+        subject->AddObserver(first->next);
+        IObserver *const last = log.watch(subject, "last");
+        subject->NotifyObservers(CC_VALUE, nullptr);
+        EXPECT_THAT(log.take(), ElementsAre("last 3"));
+        EXPECT_EQ(subject->GetObservers(), std::vector{last});
+        subject->DeleteObserver(last);
+    }
+}
+
 TEST(TreeLife, AnItemListensToItsValueWhileItIsObserved)
 {
     TreeLog log;

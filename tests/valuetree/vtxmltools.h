@@ -4,6 +4,10 @@
 #include "valuetree/treelog.h"
 #include "valuetree/vtxml.h"
 
+#include <gtest/gtest.h>
+
+#include <memory>
+
 namespace values {
 
 inline QString document(const QString &items, const QString &version = QStringLiteral("1.0"))
@@ -29,6 +33,20 @@ inline void enable(Node &node)
             enable(*child);
         else
             item->AsValueItem()->SetState(VS_NORMAL, nullptr);
+}
+
+/// The handlers on elements write the document that the static road writes, and read it.
+inline void expectSameByElements(Node &root)
+{
+    Node top, *const under = new Node("U");
+    top.AddNode(QString(), under);
+    under->Merge(&root);
+    VtXml single;
+    single.AddNode(under);
+    EXPECT_EQ(single.GetString(), VtXml::ToXml(&top));
+    const std::unique_ptr<Node> made(VtXml(single.GetString()).CreateNodeAt(0));
+    enable(*made);
+    EXPECT_TRUE(made->Compare(under));
 }
 
 } // namespace values
