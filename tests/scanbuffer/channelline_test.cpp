@@ -22,7 +22,6 @@ public:
     using Y = typename Pair::Sample;
     using YHandler = typename Pair::Handler;
     using Line = sbs::ChannelLine<Y, YHandler>;
-    using Buffer = sbs::ChannelLineBuffer<Y, YHandler>;
 
     static std::vector<Y> samples(std::initializer_list<int> numbers)
     {
@@ -30,13 +29,6 @@ public:
         for (const int number : numbers)
             result.push_back(number < 0 ? Y(YHandler::Minimum()) : sampleOf<Y, YHandler>(number));
         return result;
-    }
-    static void finishScan(Buffer &buffer, KRTimeStamp time)
-    {
-        buffer.currentLine().setFirstTimeStamp(time);
-        const std::vector<Y> data(buffer.channelCount(), sampleOf<Y, YHandler>(int(time)));
-        buffer.currentLine().setSamples(0, buffer.channelCount(), data.data());
-        buffer.finishCurrentLine();
     }
 };
 TYPED_TEST_SUITE(ChannelLines, values::SamplePairList<testing::Types>, values::SamplePairNames);
@@ -126,25 +118,6 @@ TYPED_TEST(ChannelLines, NoOrderOfWritesShowsAnEvictedSample)
         ASSERT_FALSE(line.needsRefill());
         ASSERT_EQ(line.spectralData(), expected) << "scan " << scan;
         line.resetDeferred();
-    }
-}
-
-TYPED_TEST(ChannelLines, RingGivesEachIdItsOwnLine)
-{
-    typename TestFixture::Buffer buffer;
-    EXPECT_EQ(buffer.channelCount(), 0u);
-    EXPECT_EQ(buffer.scanCount(), 0u);
-    buffer.recreate(5, 3);
-    EXPECT_EQ(buffer.channelCount(), 3u);
-    for (KRTimeStamp time = 1; time <= 12; ++time) {
-        this->finishScan(buffer, time);
-        const auto [first, end] = buffer.getIdRange();
-        EXPECT_EQ(end, time + 1) << "the current line has no time yet";
-        EXPECT_EQ(first, time <= 4 ? 1u : time - 3);
-        for (std::uint64_t id = first; id < end; ++id) {
-            EXPECT_EQ(buffer.line(id).getFirstTimeStamp(), id);
-            EXPECT_EQ(buffer.line(id).spectralData(), this->samples({int(id), int(id), int(id)}));
-        }
     }
 }
 

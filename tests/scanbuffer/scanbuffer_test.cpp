@@ -379,24 +379,6 @@ TEST_F(ScanBufferTest, WhatNeverEndsDoesNotPileUp)
     });
 }
 
-TEST_F(ScanBufferTest, ReadersSeeTheFlags)
-{
-    using Flag = std::pair<void (Buffer::*)(bool), bool (Access::*)() const>;
-    const Flag flags[] = {
-        {&Buffer::setKeepScanDataAfterEndOfScan, &Access::getKeepScanDataAfterEndOfScan},
-        {&Buffer::setClearScanData, &Access::getClearScanData},
-        {&Buffer::setKeepNoOverwriteWFLines, &Access::getKeepNoOverwriteWFLines},
-        {&Buffer::setAvoidSettingMaxValueDuringScan, &Access::getAvoidSettingMaxValueDuringScan}};
-    for (const Flag &set : flags) {
-        (*buffer.*set.first)(true);
-        read([&](const Access &access) {
-            for (const Flag &flag : flags)
-                EXPECT_EQ((access.*flag.second)(), &flag == &set);
-        });
-        (*buffer.*set.first)(false);
-    }
-}
-
 TEST_F(ScanBufferTest, AVisitorMayVisitAgainWhileTheFeederWaits)
 {
     buffer->setChannelRangeDefinition(grid(4));

@@ -149,16 +149,6 @@ TEST(WaterfallRows, TheTableKeepsTheThresholdExact)
     EXPECT_EQ(colors[11], char(rule.ValueToChar(line[11] / 10.0)));
 }
 
-TEST(WaterfallRows, ThresholdOfLevels)
-{
-    LevelRig rig;
-    rig.window.colorSteps = 0;
-    rig.window.thresholdLine.assign(3, 50.0);
-    EXPECT_EQ(rig.colors({499, 500, 501}), bytes({127, 128, 128})) << "off";
-    rig.window.thresholdActive = true;
-    EXPECT_EQ(rig.colors({499, 500, 501}), bytes({0, 0, 128})) << "equal is hidden";
-}
-
 TEST(WaterfallRows, RelativeToTheReferenceLine)
 {
     LevelRig rig;
