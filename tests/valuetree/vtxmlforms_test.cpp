@@ -45,7 +45,8 @@ TEST(VtXmlForms, LosesNoTextAndNoNumber)
     root.DeleteValue("longest");
 
     expectSameByElements(root);
-    EXPECT_EQ(XmlFormat::Format(xml), xml);
+    const QString shorter = VtXml::ToXml(&root);
+    EXPECT_EQ(XmlFormat::Format(shorter), shorter);
 }
 
 TEST(VtXmlForms, EscapesOnlyNamesThatNeedIt)
