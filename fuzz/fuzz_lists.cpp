@@ -1,9 +1,10 @@
-// Lists and vectors. The first byte chooses the kind (modulo 35) and, by its upper bits, a mode of
-// command strings or the text form; the rest is the string. A refused string changes nothing; what
-// was taken is written and restored to the same bytes.
+// Lists, vectors and curves. The first byte chooses the kind (modulo 35) and, by its upper bits, a
+// mode of command strings or the text form; from 140 on it is a curve. The rest is the string. A
+// refused string changes nothing; what was taken is written and restored to the same bytes.
 #include "fuzz/fuzztools.h"
 #include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
+#include "valueclasses/kfactorvalue.h"
 #include "valueclasses/valuespecialinterest.h"
 
 namespace {
@@ -74,7 +75,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t siz
     ErrorHandler::Instance().SetTraceMask(0);
     if (size == 0)
         return 0;
-    const Make kind = kKinds[bytes[0] % std::size(kKinds)];
+    constexpr std::size_t kFirstCurve = 4 * std::size(kKinds);
+    const Make kind =
+        bytes[0] >= kFirstCurve ? make<ValueKFactor> : kKinds[bytes[0] % std::size(kKinds)];
     const std::string input(reinterpret_cast<const char *>(bytes) + 1, size - 1);
     constexpr int kModes[] = {0, -1, -2};
     const unsigned choice = bytes[0] / std::size(kKinds) % (std::size(kModes) + 1);

@@ -111,15 +111,15 @@ public:
 
     // How it is drawn. Offsets in dB.
     double GetMaxOffset() const { return m_maxOffset; }
-    void SetMaxOffset(double offset);
+    void SetMaxOffset(double offset) { setDrawn(m_maxOffset, offset); }
     double GetMinOffset() const { return m_minOffset; }
-    void SetMinOffset(double offset);
+    void SetMinOffset(double offset) { setDrawn(m_minOffset, offset); }
     /// The curve has a second line, of the minima.
     bool GetUseMin() const { return m_useMin; }
-    void SetUseMin(bool use);
+    void SetUseMin(bool use) { setDrawn(m_useMin, use); }
     /// Drawn by a spline.
     bool GetUseSmooth() const { return m_useSmooth; }
-    void SetUseSmooth(bool use);
+    void SetUseSmooth(bool use) { setDrawn(m_useSmooth, use); }
 
     // Reduced points
     int GetReducedFrame() const { return m_reducedFrame; }
@@ -173,6 +173,12 @@ private:
     struct PixelLine;
     using KeptLine = std::shared_ptr<const PixelLine>; // copies of a curve share it
 
+    template <typename T>
+    void setDrawn(T &field, T value)
+    {
+        field = value;
+        resetCalculatedCurves();
+    }
     void AddInternal(const std::vector<KF> &points);
     void combine(const KFactor &other, double sign, const char *joint);
     void resetState();

@@ -20,7 +20,8 @@ constexpr qint64 kLongestLine = 65536; // bytes; a file without line feeds isn't
 
 int failOpen()
 {
-    SPECTREE_TRACE(TraceWarnings, QStringLiteral("File open failed!"));
+    if (ErrorHandler::Instance().IsTraced(TraceWarnings))
+        _Q_Trace(QStringLiteral("File open failed!"), "valueclasses/kfactor", __LINE__);
     return -1;
 }
 

@@ -56,30 +56,6 @@ void KFactor::resetCalculatedCurves()
     m_minLine.reset();
 }
 
-void KFactor::SetMaxOffset(double offset)
-{
-    m_maxOffset = offset;
-    resetCalculatedCurves();
-}
-
-void KFactor::SetMinOffset(double offset)
-{
-    m_minOffset = offset;
-    resetCalculatedCurves();
-}
-
-void KFactor::SetUseMin(bool use)
-{
-    m_useMin = use;
-    resetCalculatedCurves();
-}
-
-void KFactor::SetUseSmooth(bool use)
-{
-    m_useSmooth = use;
-    resetCalculatedCurves();
-}
-
 std::vector<KF> KFactor::drawnPoints(bool useMax) const
 {
     std::vector<KF> points = Reduced();
