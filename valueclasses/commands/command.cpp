@@ -63,8 +63,7 @@ Blocks *Blocks::make()
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool kKeepsBlocks = false;
 #elif defined(__has_feature)
-constexpr bool kKeepsBlocks =
-    !__has_feature(address_sanitizer) && !__has_feature(thread_sanitizer);
+constexpr bool kKeepsBlocks = !__has_feature(address_sanitizer) && !__has_feature(thread_sanitizer);
 #else
 constexpr bool kKeepsBlocks = true;
 #endif
