@@ -149,10 +149,12 @@ TEST(TreeText, MalformedFormsChangeNothing)
     }
     EXPECT_THROW(item.SetAsStdString("v;3,;20;5;;", nullptr), KRException); // another type
     Node node("n");
-    for (const auto text : {"x"sv, "x;key"sv, ";key;"sv, ""sv}) {
+    for (const auto text : {"x"sv, "x;key"sv, ";key"sv, ""sv}) {
         EXPECT_THROW(node.SetAsStdString(text, nullptr), KRException) << text;
         EXPECT_EQ(node.GetName(), "n");
     }
+    node.SetAsStdString(Node().GetAsStdString(), nullptr);
+    EXPECT_EQ(node.GetName(), "n") << "a node without a name has none to give";
 }
 
 } // namespace
