@@ -3,6 +3,7 @@
 #include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
 #include "valueclasses/changeroad.h"
+#include "valueclasses/recordsamples.h"
 #include "valueclasses/kfactorvalue.h"
 #include "valueclasses/valuefactory.h"
 #include "valueclasses/xml/xmlvaluebase.h"
@@ -209,14 +210,6 @@ TEST(KFactors, AreSavedWithTheirOffsetsAndLoseMinima)
     EXPECT_EQ(loaded.SaveToFile(folder.filePath("no/folder")), -1);
     ErrorHandler::Instance().SetTraceMask(TraceWarnings);
     EXPECT_EQ(loaded.GetList().size(), 2U);
-}
-
-template <typename T>
-std::string raw(T number)
-{
-    std::string image;
-    Kelm::appendLittleEndian(image, number);
-    return image;
 }
 
 TEST(KFactors, WriteTheirImage)

@@ -42,14 +42,6 @@ void expectForms(const T &record, const char *text, const std::string &image)
         expectReadsForm(record, mode);
 }
 
-template <typename T>
-std::string raw(T number)
-{
-    std::string image;
-    Kelm::appendLittleEndian(image, number);
-    return image;
-}
-
 TEST(Records, PrintAndPackTheirFieldsInOrder)
 {
     expectForms(HMapRange{1.5, 2}, "1.500000;2.000000", raw(1.5) + raw(2.0));

@@ -35,6 +35,15 @@ void vary(T &field, int i)
         field = T(i);
 }
 
+/// The image of a number.
+template <typename T>
+std::string raw(T number)
+{
+    std::string image;
+    Kelm::appendLittleEndian(image, number);
+    return image;
+}
+
 /// An element: those of different \a i differ, as far as the type can.
 template <typename T>
 T sample(int i)
