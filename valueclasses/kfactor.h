@@ -92,10 +92,11 @@ public:
     double GetKFactor4Frequency(double frequency, const std::vector<KF> *points = nullptr,
                                 bool useMax = true) const;
     /// The line as drawn, a value a pixel: the highest reduced point in the pixel, else the
-    /// correction at its centre; with the minima the lowest. Smoothed, all by one spline instead.
+    /// correction at its centre; with the minima the lowest. Smoothed, all by one spline instead,
+    /// that of the minima through the points that have one.
     /// Empty for an axis that isn't valid.
     std::vector<double> GetCalculatedLineFor(const axisDefinition &axis, bool useMax) const;
-    /// The same over \a pixelCount pixels between two frequencies in kHz.
+    /// The same over \a pixelCount pixels (1 to 32767) between two frequencies in kHz.
     std::vector<double> GetCalculatedLineFor(int fromKHz, int toKHz, int pixelCount,
                                              bool useMax) const;
     /// GetCalculatedLineFor, kept until the curve or the axis is another one. The reference holds

@@ -68,9 +68,13 @@ std::vector<double> KFactor::GetCalculatedLineFor(const axisDefinition &axis, bo
 {
     if (!axis.valid())
         return {};
-    const std::vector<KF> points = drawnPoints(useMax);
-    if (m_useSmooth)
+    std::vector<KF> points = drawnPoints(useMax);
+    if (m_useSmooth) {
+        const auto isWithout = [](const KF &point) { return point.minimum == KF::kNoMinimum; };
+        if (!useMax) // the lowest double would make the spline overflow
+            points.erase(std::remove_if(points.begin(), points.end(), isWithout), points.end());
         return smooth(points, axis);
+    }
     constexpr double kHighest = std::numeric_limits<double>::max();
     const double none = useMax ? -kHighest : kHighest;
     std::vector<double> line(std::size_t(axis.GetPixelCnt()), none);
@@ -93,7 +97,7 @@ std::vector<double> KFactor::GetCalculatedLineFor(int fromKHz, int toKHz, int pi
 {
     constexpr double kHzPerKHz = 1000.0;
     axisDefinition axis;
-    if (pixelCount > std::numeric_limits<short>::max() ||
+    if (pixelCount < 1 || pixelCount > std::numeric_limits<short>::max() ||
         axis.init(fromKHz * kHzPerKHz, toKHz * kHzPerKHz, short(pixelCount)) != 0)
         return {};
     return GetCalculatedLineFor(axis, useMax);

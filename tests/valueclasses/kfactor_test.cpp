@@ -135,7 +135,8 @@ TEST(KFactors, AreDrawnPixelByPixel)
     EXPECT_THAT(each.GetPixOffsetVector(axis), ElementsAre(1, 1, 3));
     EXPECT_EQ(each.GetPolygonVector(false)[2], QPointF(66, -9));
     EXPECT_TRUE(each.GetCalculatedLineFor(axisDefinition(), true).empty());
-    EXPECT_TRUE(each.GetCalculatedLineFor(0, 1, 40000, true).empty());
+    for (const int pixels : {40000, 0, -65530})
+        EXPECT_TRUE(each.GetCalculatedLineFor(0, 1, pixels, true).empty()) << pixels;
     EXPECT_EQ(curveOf({{1e6, 7, kNone}}).GetCalculatedLineFor(0, 2000, 2, true)[1], 7);
 
     each = curveOf({{0, 0, kNone}, {40, 2, kNone}, {80, 4, kNone}});
@@ -143,7 +144,7 @@ TEST(KFactors, AreDrawnPixelByPixel)
     const std::vector<double> line = each.GetCalculatedLineFor(axis, true);
     for (std::size_t pixel = 0; pixel < line.size(); ++pixel)
         EXPECT_NEAR(line[pixel], double(pixel) + 0.5, 1e-12) << "a straight line stays one";
-    each = curveOf({{0, 0, kNone}, {40, 6, kNone}, {80, 0, kNone}});
+    each = curveOf({{0, 0, kNone}, {40, 6, 3}, {80, 0, kNone}});
     each.SetUseSmooth(true);
     EXPECT_NEAR(each.GetCalculatedLineFor(other, true)[1], 2.75, 1e-12);
     EXPECT_THAT(KFactor().GetCalculatedLineFor(axis, true), ElementsAre(0, 0, 0, 0));
@@ -155,6 +156,7 @@ TEST(KFactors, AreEditedByTheirReducedPoints)
         curveOf({{1, 1, 9}, {2, 2, 8}, {3, 7, 7}, {4, 4, 6}, {5, 5, 5}, {6, 6, 4}, {7, 0, kNone}});
     each.Reduce(3);
     EXPECT_EQ(each.Reduced(), (Points{{1, 1, 9}, {3, 7, 6}, {6, 6, 4}, {7, 0, kNone}}));
+    EXPECT_THAT(each.GetCalculatedLineFor(other, false), ElementsAre(3, 3)) << "the only minimum";
     EXPECT_EQ(each.ReducedChangeIndex(), -1);
     EXPECT_TRUE(each.insertReduced(0));
     EXPECT_EQ(each.Reduced()[1], (KF{2, 4, 7.5}));
