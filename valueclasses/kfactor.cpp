@@ -22,8 +22,8 @@ bool isFinite(const KF &point)
 void requireNumbers(const std::vector<KF> &points, const char *functionName)
 {
     if (!std::all_of(points.begin(), points.end(), isFinite))
-        throw KRException(QStringLiteral("A number of a point of a curve is not finite"), __FILE__,
-                          "KFactor", functionName, __LINE__);
+        throw KRException(QStringLiteral("A number of a curve is not finite"), __FILE__, "KFactor",
+                          functionName, __LINE__);
 }
 
 bool hasMinimum(const KF &point) { return point.minimum != KF::kNoMinimum; }
@@ -57,6 +57,18 @@ void KFactor::resetState()
     Reduce(1);
 }
 
+void KFactor::SetMaxOffset(double offset)
+{
+    requireNumbers({KF{0.0, offset}}, "SetMaxOffset");
+    setDrawn(m_maxOffset, offset);
+}
+
+void KFactor::SetMinOffset(double offset)
+{
+    requireNumbers({KF{0.0, offset}}, "SetMinOffset");
+    setDrawn(m_minOffset, offset);
+}
+
 void KFactor::Add(double frequency, double value, double minimum)
 {
     Add(KF{frequency, value, minimum});
@@ -71,7 +83,8 @@ void KFactor::Add(const std::vector<KF> &points)
 void KFactor::AddInternal(const std::vector<KF> &points)
 {
     const std::vector<KF> before = m_points;
-    m_points.insert(m_points.end(), points.begin(), points.end());
+    const std::vector<KF> &added = &points == &m_points ? before : points;
+    m_points.insert(m_points.end(), added.begin(), added.end());
     Unique();
     if (m_points == before)
         return;
@@ -105,7 +118,7 @@ void KFactor::Set(const std::vector<KF> &points)
     const std::vector<KF> copy = points; // perhaps the own ones
     m_points.clear();
     m_fileName.clear();
-    Reduce(m_reducedFrame);
+    resetState();
     AddInternal(copy);
 }
 

@@ -42,7 +42,8 @@ struct KF {
 /// Equality looks at what the stream form holds: not at the names of transducer and file, nor at
 /// reduced points that were edited. IsSame looks at these, too.
 /// Threads: one at a time.
-/// Errors:  KRException for a point of which a number isn't finite, with nothing changed.
+/// Errors:  KRException for a number of a point, or an offset, that isn't finite, with nothing
+///          changed.
 class SPECTREE_EXPORT KFactor {
 public:
     enum ReducedField : int { ReducedFrequency = 0, ReducedValue = 1, ReducedMinimum = 2 };
@@ -112,9 +113,9 @@ public:
 
     // How it is drawn. Offsets in dB.
     double GetMaxOffset() const { return m_maxOffset; }
-    void SetMaxOffset(double offset) { setDrawn(m_maxOffset, offset); }
+    void SetMaxOffset(double offset);
     double GetMinOffset() const { return m_minOffset; }
-    void SetMinOffset(double offset) { setDrawn(m_minOffset, offset); }
+    void SetMinOffset(double offset);
     /// The curve has a second line, of the minima.
     bool GetUseMin() const { return m_useMin; }
     void SetUseMin(bool use) { setDrawn(m_useMin, use); }
@@ -140,14 +141,15 @@ public:
     void ResetReducedChangeIndex() { m_reducedChangeIndex = -1; }
 
     // Exchange; docs/lists.md tells the forms.
-    /// 0, or -1 with nothing changed when the file can't be opened. Lines that don't read are
+    /// 0, or -1 with nothing changed when the file can't be read. Lines that don't read are
     /// skipped, and lines with a minimum, too: a curve with minima comes back empty.
     int LoadFromFile(const QString &fileName);
     /// The same for a text; always true.
     bool LoadFromCSVString(const QString &text);
     /// The text of a file: frequencies in MHz, the offsets inside the values.
     QString ToCSVString() const;
-    /// 0, or -1 with nothing changed and an old file as it was. Afterwards the curve is as saved:
+    /// 0, or -1 with nothing changed and an old file as it was; -1 also where a value with its
+    /// offset is beyond any double. Afterwards the curve is as saved:
     /// its reduced points, if they were edited, and without offsets.
     int SaveToFile(const QString &fileName);
     /// n frequencies, n values and, where minima are used or asked for, n minima.
@@ -170,6 +172,7 @@ private:
     friend std::string Kelm::toStandardString(const T &);
     template <typename T>
     friend T Kelm::fromCharStream(const char **);
+    friend class FormatKFactor;
 
     struct PixelLine;
     using KeptLine = std::shared_ptr<const PixelLine>; // copies of a curve share it
@@ -187,7 +190,8 @@ private:
     std::vector<KF> &editReduced(int changed);
     const std::vector<double> &keptLine(KeptLine &kept, const axisDefinition &axis,
                                         bool useMax) const;
-    void readLine(const QString &line, std::vector<KF> &points);
+    bool readLine(const QString &line, std::vector<KF> &points);
+    bool readText(const QString &text);
 
     QString m_transducerName;
     QString m_description;
@@ -208,6 +212,7 @@ private:
 class SPECTREE_EXPORT FormatKFactor {
 public:
     static QString GetString(const KFactor &curve);
+    /// \throws KRException for a text, not an empty one, with neither a name nor a point
     static KFactor GetValue(const QString &text);
 };
 

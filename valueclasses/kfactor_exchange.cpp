@@ -18,32 +18,43 @@ namespace {
 constexpr double kHzPerMHz = 1000000.0;
 constexpr qint64 kLongestLine = 65536; // bytes; a file without line feeds isn't taken whole
 
-int failOpen()
+int fail(const char *reason)
 {
     if (ErrorHandler::Instance().IsTraced(TraceWarnings))
-        _Q_Trace(QStringLiteral("File open failed!"), "valueclasses/kfactor", __LINE__);
+        _Q_Trace(QString::fromLatin1(reason), "valueclasses/kfactor", __LINE__);
     return -1;
+}
+
+QString withoutLineEnd(QString line)
+{
+    while (line.endsWith(QLatin1Char('\n')) || line.endsWith(QLatin1Char('\r')))
+        line.chop(1);
+    return line;
 }
 
 } // namespace
 
-void KFactor::readLine(const QString &line, std::vector<KF> &points)
+/// False for a line that tells neither a name nor a point.
+bool KFactor::readLine(const QString &line, std::vector<KF> &points)
 {
     const QStringList fields = line.split(QLatin1Char(';'));
     if (fields.size() == 2) {
-        if (fields[0] == QLatin1String("Transducer Name"))
-            m_transducerName = fields[1];
-        else if (fields[0] == QLatin1String("Description"))
-            m_description = fields[1];
-        return;
+        const QString field = fields[0].trimmed();
+        const bool isName = field == QLatin1String("Transducer Name");
+        if (!isName && field != QLatin1String("Description"))
+            return false;
+        (isName ? m_transducerName : m_description) = fields[1];
+        return true;
     }
     if (fields.size() != 3)
-        return;
+        return false;
     bool hasFrequency = false, hasValue = false;
     const double frequency = fields[1].toDouble(&hasFrequency) * kHzPerMHz;
     const double value = fields[2].toDouble(&hasValue);
-    if (hasFrequency && hasValue && std::isfinite(frequency) && std::isfinite(value))
-        points.push_back({frequency, value, KF::kNoMinimum});
+    if (!hasFrequency || !hasValue || !std::isfinite(frequency) || !std::isfinite(value))
+        return false;
+    points.push_back({frequency, value, KF::kNoMinimum});
+    return true;
 }
 
 int KFactor::LoadFromFile(const QString &fileName)
@@ -51,28 +62,40 @@ int KFactor::LoadFromFile(const QString &fileName)
     QFile file(fileName);
     QString error;
     if (!Kelm::openRegularFile(file, error))
-        return failOpen();
+        return fail("File open failed!");
+    KFactor read = *this;
     std::vector<KF> points;
-    while (!file.atEnd()) {
-        const QString line = QString::fromUtf8(file.readLine(kLongestLine)).trimmed();
+    for (;;) {
+        const QString line = withoutLineEnd(QString::fromUtf8(file.readLine(kLongestLine)));
         if (line.isEmpty())
             break;
-        readLine(line, points);
+        read.readLine(line, points);
+    }
+    if (file.error() != QFileDevice::NoError)
+        return fail("File read failed!");
+    read.Set(points);
+    *this = std::move(read);
+    return 0;
+}
+
+/// False when nothing in the text could be read.
+bool KFactor::readText(const QString &text)
+{
+    std::vector<KF> points;
+    bool isRead = false;
+    for (const QString &each : text.split(QLatin1Char('\n'))) {
+        const QString line = withoutLineEnd(each);
+        if (line.isEmpty())
+            break;
+        isRead = readLine(line, points) || isRead;
     }
     Set(points);
-    return 0;
+    return isRead;
 }
 
 bool KFactor::LoadFromCSVString(const QString &text)
 {
-    std::vector<KF> points;
-    for (const QString &each : text.split(QLatin1Char('\n'))) {
-        const QString line = each.trimmed();
-        if (line.isEmpty())
-            break;
-        readLine(line, points);
-    }
-    Set(points);
+    readText(text);
     return true;
 }
 
@@ -99,11 +122,15 @@ int KFactor::SaveToFile(const QString &fileName)
     KFactor saved = *this;
     if (!m_reducedIsCurrent)
         saved.m_points = m_reduced;
+    for (const KF &point : saved.m_points)
+        if (!std::isfinite(point.value + m_maxOffset) ||
+            !std::isfinite(point.minimum + m_minOffset))
+            return fail("A number of a curve is not finite");
     QSaveFile file(fileName);
     const bool isOpen = file.open(QIODevice::WriteOnly);
     const QByteArray text = saved.ToCSVString().toUtf8();
     if (!isOpen || file.write(text) != text.size() || !file.commit())
-        return failOpen();
+        return fail("File open failed!");
     for (KF &point : saved.m_points) {
         point.value += m_maxOffset;
         if (point.minimum != KF::kNoMinimum)
@@ -149,7 +176,9 @@ QString FormatKFactor::GetString(const KFactor &curve) { return curve.ToCSVStrin
 KFactor FormatKFactor::GetValue(const QString &text)
 {
     KFactor curve;
-    curve.LoadFromCSVString(text);
+    if (!curve.readText(text) && !text.isEmpty())
+        throw KRException(QStringLiteral("A text with neither a name nor a point is no curve"),
+                          __FILE__, "FormatKFactor", "GetValue", __LINE__);
     return curve;
 }
 
@@ -190,8 +219,8 @@ values::KFactor Kelm::fromCharStream<values::KFactor>(const char **cursor)
                           "Kelm", "fromCharStream<FKactor>", __LINE__);
     ++*cursor;
     curve.fromVector(points, true);
-    curve.m_maxOffset = maxOffset; // behind the points, which put them back
-    curve.m_minOffset = minOffset;
+    curve.SetMaxOffset(maxOffset); // behind the points, which put them back
+    curve.SetMinOffset(minOffset);
     curve.Reduce(frame);
     return curve;
 }

@@ -29,9 +29,10 @@ void ValueKFactor::SetValue(KFactor curve, IObserver *source)
 
 void ValueKFactor::setRead(KFactor curve, IObserver *source)
 {
-    // The string holds no transducer's name: the one of an equal curve stays.
+    // The string holds no transducer's name.
     if (PostIfForeign([this, curve, source] { setRead(curve, source); }) || m_value == curve)
         return;
+    curve.SetTransducerName(m_value.GetTransducerName());
     SetValue(std::move(curve), source);
 }
 
@@ -111,11 +112,13 @@ void ValueKFactor::Unique(IObserver *source)
 
 void ValueKFactor::SetMaxOffset(double offset, IObserver *source)
 {
+    KFactor().SetMaxOffset(offset);
     editAlways(source, [=](KFactor &curve) { curve.SetMaxOffset(offset); });
 }
 
 void ValueKFactor::SetMinOffset(double offset, IObserver *source)
 {
+    KFactor().SetMinOffset(offset);
     editAlways(source, [=](KFactor &curve) { curve.SetMinOffset(offset); });
 }
 

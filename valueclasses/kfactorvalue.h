@@ -8,8 +8,8 @@ namespace values {
 ///
 /// A change goes the road of ValueBase with code CC_VALUE, as one CommandSetValue (id 20) of the
 /// whole curve; one that leaves the curve the same (KFactor::IsSame) is none. Undo restores all of
-/// it; a command string carries what the stream form holds, and an equal curve in it changes
-/// nothing, so that the transducer's name stays.
+/// it; a command string carries what the stream form holds: the transducer's name stays, and an
+/// equal curve in it changes nothing.
 ///
 /// Threads: those of ValueBase. A change that had to be posted answers 0 or true.
 /// Errors:  as KFactor, told before anything is posted.

@@ -64,10 +64,19 @@ TEST(KFactors, KeepOnePointAFrequency)
     EXPECT_EQ(each.GetMaxOffset(), 0.0) << "a new point drops the offsets";
     for (const KF &broken : {KF{NAN, 1}, KF{1, INFINITY}, KF{1, 1, NAN}})
         EXPECT_THROW(each.Add(broken), KRException);
+    for (const double offset : {double(NAN), -double(INFINITY)}) {
+        EXPECT_THROW(each.SetMaxOffset(offset), KRException);
+        EXPECT_THROW(each.SetMinOffset(offset), KRException);
+    }
     EXPECT_THROW(each.fromVector({1, 2, 3}, false), KRException);
     EXPECT_EQ(each.toVector(true, false).size(), 9U);
     each.Set(each.GetList());
+    each.Add(each.GetList());
     EXPECT_EQ(each.GetList().size(), 3U) << "set to what it holds";
+    each.SetMaxOffset(1);
+    each.Reduce(2);
+    each.Set({});
+    EXPECT_EQ(each.GetMaxOffset() + each.GetReducedFrame(), 1) << "as with points";
     each = curveOf({{1, 0, kNone}, {2, 0, kNone}, {3, 1, kNone}, {4, 0, kNone}, {5, 0, 2}});
     each.Trim();
     EXPECT_EQ(each.GetXRange(), KFactor::Range(2, 5));
@@ -147,6 +156,7 @@ TEST(KFactors, AreDrawnPixelByPixel)
     each = curveOf({{0, 0, kNone}, {40, 6, 3}, {80, 0, kNone}});
     each.SetUseSmooth(true);
     EXPECT_NEAR(each.GetCalculatedLineFor(other, true)[1], 2.75, 1e-12);
+    EXPECT_THAT(each.GetCalculatedLineFor(other, false), ElementsAre(3, 3)) << "the only minimum";
     EXPECT_THAT(KFactor().GetCalculatedLineFor(axis, true), ElementsAre(0, 0, 0, 0));
 }
 
@@ -156,7 +166,6 @@ TEST(KFactors, AreEditedByTheirReducedPoints)
         curveOf({{1, 1, 9}, {2, 2, 8}, {3, 7, 7}, {4, 4, 6}, {5, 5, 5}, {6, 6, 4}, {7, 0, kNone}});
     each.Reduce(3);
     EXPECT_EQ(each.Reduced(), (Points{{1, 1, 9}, {3, 7, 6}, {6, 6, 4}, {7, 0, kNone}}));
-    EXPECT_THAT(each.GetCalculatedLineFor(other, false), ElementsAre(3, 3)) << "the only minimum";
     EXPECT_EQ(each.ReducedChangeIndex(), -1);
     EXPECT_TRUE(each.insertReduced(0));
     EXPECT_EQ(each.Reduced()[1], (KF{2, 4, 7.5}));
@@ -205,22 +214,36 @@ TEST(KFactors, AreSavedWithTheirOffsetsAndLoseMinima)
     EXPECT_TRUE(
         FormatKFactor::GetString(each).contains("MinMax\nUnit;dBuV\n1;1.000000;2.50;1.00\n"));
     EXPECT_FALSE(FormatKFactor::GetValue(FormatKFactor::GetString(each)).valid());
-    EXPECT_TRUE(FormatKFactor::GetValue("1;abc;3\n1;nan;3\n1;1;inf\n\n1;1;1").GetList().empty());
+    for (const char *text : {"1;abc;3\n1;nan;3\n1;1;inf\n\n1;1;1", "Unit;dBuV", " "})
+        EXPECT_THROW(FormatKFactor::GetValue(text), KRException) << text;
+    const KFactor odd = FormatKFactor::GetValue("Description; x \r\n \r\nx\n1; 1 ;2 \r\n\r\n1;3;4");
+    EXPECT_EQ(odd.GetDescription(), " x ");
+    EXPECT_EQ(odd.GetList(), (Points{{1e6, 2, kNone}})) << "only an empty line ends it";
+    EXPECT_TRUE(FormatKFactor::GetValue("").GetList().empty());
     ErrorHandler::Instance().SetTraceMask(0);
     EXPECT_EQ(loaded.LoadFromFile(folder.filePath("none")), -1);
     EXPECT_EQ(loaded.LoadFromFile(folder.path()), -1);
+    EXPECT_EQ(loaded.LoadFromFile("/proc/self/mem"), -1) << "an error while it is read";
     EXPECT_EQ(loaded.SaveToFile(folder.filePath("no/folder")), -1);
+    KFactor high = curveOf({{1e6, 1e308, kNone}});
+    high.SetMaxOffset(1e308);
+    EXPECT_EQ(high.SaveToFile(name), -1);
+    EXPECT_EQ(loaded.LoadFromFile(name), 0) << "the old file";
     ErrorHandler::Instance().SetTraceMask(TraceWarnings);
     EXPECT_EQ(loaded.GetList().size(), 2U);
 }
 
 TEST(KFactors, WriteTheirImage)
 {
-    const auto image = [](int frame) {
-        return "\x04\0\0\0L\0o\0o\0p\0"s + raw(0.5) + raw(0.0) + raw(frame) + "\0\0"s + raw(6) +
+    const auto image = [](int frame, double offset = 0.5) {
+        return "\x04\0\0\0L\0o\0o\0p\0"s + raw(offset) + raw(0.0) + raw(frame) + "\0\0"s + raw(6) +
                raw(1e6) + raw(2e6) + raw(2.0) + raw(4.0) + raw(1.0) + raw(-1.0) + ';';
     };
     EXPECT_EQ(StreamFormat<KFactor>::ToStream(curve(), 0), image(1));
+    const std::string endless = image(1, INFINITY);
+    const char *start = endless.data();
+    const Kelm::ReadScope whole(start, endless.size());
+    EXPECT_THROW(Kelm::fromCharStream<KFactor>(&start), KRException);
     for (const int frame : {1, 2, 0x7FFFFFFF, -5}) {
         const std::string bytes = image(frame);
         for (std::size_t size = 0; size <= bytes.size(); ++size) {
@@ -293,6 +316,12 @@ TEST(ValueKFactor, UndoesWhatNoStringHolds)
     value->SetCommandString(value->GetObjectStateStringForTransmission(0), nullptr, 0);
     EXPECT_EQ(value->GetTransducerName(), "HL 2") << "the string doesn't hold it";
     EXPECT_TRUE(recorder.codes.empty());
+    ValueKFactor other("k", curveOf({{1, 2, 3}}));
+    value->SetCommandString(other.GetObjectStateStringForTransmission(0), nullptr, 0);
+    EXPECT_TRUE(value->Compare(&other));
+    EXPECT_EQ(value->GetTransducerName(), "HL 2");
+    EXPECT_THROW(value->SetStringValue("no curve", nullptr), KRException);
+    EXPECT_TRUE(value->Compare(&other));
     value->SetUndoManager(nullptr);
 }
 
@@ -329,6 +358,7 @@ TEST(ValueKFactor, IsMadeByNumberAndNameAndPostedWhole)
         value->Add(KF{3e6, 1}, nullptr);
         EXPECT_TRUE(value->InsertAt(2.5e6, nullptr));
         EXPECT_THROW(value->Add(NAN, 1, kNone, nullptr), KRException) << "told at once";
+        EXPECT_THROW(value->SetMaxOffset(NAN, nullptr), KRException);
     }).join();
     ErrorHandler::Instance().SetTraceMask(TraceWarnings);
     EXPECT_EQ(value->GetList().size(), 2U);
