@@ -5,10 +5,28 @@
 #include "valueclasses/valuelist.h"
 
 #include <algorithm>
+#include <type_traits>
 #include <typeinfo>
 #include <utility>
 
 namespace values {
+
+/// Two numbers that are NaN are equal, so that such an element is found again.
+template <typename T>
+bool isSameElement(const T &left, const T &right)
+{
+    if constexpr (std::is_floating_point_v<T>)
+        if (left != left && right != right)
+            return true;
+    return left == right;
+}
+
+template <typename Items, typename T>
+auto findElement(Items &items, const T &wanted)
+{
+    return std::find_if(items.begin(), items.end(),
+                        [&](const T &item) { return isSameElement(item, wanted); });
+}
 
 template <typename T, typename F, typename S>
 class ValueList<T, F, S>::WholeForm {
@@ -73,7 +91,7 @@ void ValueList<T, F, S>::Insert(const T &before, const T &value, IObserver *sour
 {
     if (IsChangeForeign())
         return PostChange([this, before, value, source] { Insert(before, value, source); });
-    const auto it = std::find(m_items.begin(), m_items.end(), before);
+    const auto it = findElement(m_items, before);
     _Q_assert(it != m_items.end(), "it != m_items.end()", "valueclasses/valuelist_impl", __LINE__);
     insert(it, Record() ? indexOf(it) : Kelm::Long(kToEnd), value, source);
 }
@@ -95,7 +113,7 @@ void ValueList<T, F, S>::Erase(const T &value, IObserver *source)
 {
     if (IsChangeForeign())
         return PostChange([this, value, source] { Erase(value, source); });
-    const auto item = std::find(m_items.begin(), m_items.end(), value);
+    const auto item = findElement(m_items, value);
     if (item != m_items.end())
         erase(item, source);
 }
@@ -219,8 +237,13 @@ void ValueList<T, F, S>::refill(const std::list<T> &items, IObserver *source)
     const ValueTransaction transaction(*this, CC_LIST_REPLACED, source);
     if (transaction.IsValid())
         Clear(source);
-    for (auto item = items.begin(); item != items.end() && transaction.IsValid(); ++item)
-        PushBack(*item, source);
+    // Undo of the clearing restores all: the elements need none of their own.
+    for (auto item = items.begin(); item != items.end() && transaction.IsValid(); ++item) {
+        m_items.push_back(*item);
+        if (Record())
+            RecordCommand(new CommandInsert(this, kToEnd, *item, source));
+        HasChanged(CC_ITEM_ADDED, source);
+    }
 }
 
 template <typename T, typename F, typename S>
@@ -270,7 +293,9 @@ bool ValueList<T, F, S>::Compare(const ValueBase *other) const
     if (typeid(*other) != typeid(*this))
         return false;
     const auto &list = static_cast<const ValueList &>(*other);
-    return list.GetName() == GetName() && list.m_items == m_items;
+    return list.GetName() == GetName() &&
+           std::equal(m_items.begin(), m_items.end(), list.m_items.begin(), list.m_items.end(),
+                      isSameElement<T>);
 }
 
 template <typename T, typename F, typename S>

@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <cmath>
 #include <thread>
 
 namespace {
@@ -268,6 +269,37 @@ TEST(Lists, UndoOfAnInsertionTakesTheFirstEqualElement)
     list.PushBack(7, nullptr);
     undo.undoAll();
     EXPECT_THAT(list.GetList(), ElementsAre(8, 7));
+    list.SetUndoManager(nullptr);
+}
+
+TEST(Lists, UndoOfATextIsOneChange)
+{
+    UndoOnce undo;
+    IntList list = listOf({7, 8});
+    list.SetUndoManager(&undo);
+    list.SetStringValue("8\n7\n8\n", nullptr);
+    CodeLog log;
+    list.AddObserver(&log);
+    undo.undoAll();
+    EXPECT_THAT(list.GetList(), ElementsAre(7, 8));
+    EXPECT_EQ(std::count(log.codes.begin(), log.codes.end(), CC_ITEM_REMOVED), 0);
+    list.DeleteObservers();
+    list.SetUndoManager(nullptr);
+}
+
+TEST(Lists, FindAnElementThatIsNoNumber)
+{
+    UndoOnce undo;
+    ValueList<double> list, copy;
+    list.SetUndoManager(&undo);
+    list.PushBack(NAN, nullptr);
+    list.Insert(NAN, 1.0, nullptr);
+    copy.SetList({1.0, NAN}, nullptr);
+    EXPECT_EQ(list, copy);
+    copy.Erase(NAN, nullptr);
+    EXPECT_THAT(copy.GetList(), ElementsAre(1.0));
+    undo.undoAll();
+    EXPECT_TRUE(list.Empty());
     list.SetUndoManager(nullptr);
 }
 
