@@ -213,7 +213,8 @@ bool ValueSelection::DeleteItem(const QString &name, double value, Kelm::Long ke
 bool ValueSelection::removeItemAt(int position, const SelectionItem &expected, IObserver *source)
 {
     const SelectionItem *item = GetItemAt(position);
-    if (item == nullptr || !(*item == expected))
+    // Undo names the place; key and state may have been set since then, without a command.
+    if (item == nullptr || item->GetName() != expected.GetName())
         return false;
     removeItem(position, source);
     return true;
@@ -227,8 +228,8 @@ void ValueSelection::removeItem(int position, IObserver *source)
         (!AddUndo(new CommandSelect(this, describe(ByIndex, m_current), m_current)) ||
          !AddUndo(new Add(Add::Add, this, removed, position))))
         return;
-    const bool isFirst =
-        indexOfItem(removed.GetName(), removed.GetValue(), removed.GetKey()) == position;
+    const bool isFirst = Record() && indexOfItem(removed.GetName(), removed.GetValue(),
+                                                 removed.GetKey()) == position;
     m_items.erase(m_items.begin() + position);
     m_firstByName.clear();
     if (m_current == position) {

@@ -125,6 +125,21 @@ TEST(ValueSelection, KeepsTheChoiceOnItsItem)
     EXPECT_THAT(names(*modes), ElementsAre("FM", "AM"));
 }
 
+TEST(ValueSelection, UndoTakesAnAddedItemWhoseKeyWasSet)
+{
+    UndoOnce undo;
+    const auto modes = makeModes();
+    const auto before = names(*modes);
+    modes->SetUndoManager(&undo);
+    modes->AddItem("LSB", 1, 1, nullptr);
+    SelectionItem *const added = modes->GetItem("LSB");
+    added->SetKey(77);
+    added->SetState(VS_DISABLED);
+    undo.undoAll();
+    EXPECT_EQ(names(*modes), before);
+    modes->SetUndoManager(nullptr);
+}
+
 TEST(ValueSelection, AnswersWhatIsNotThere)
 {
     CodeLog log; // outlives the selection, whose end it is told
