@@ -10,7 +10,7 @@ namespace values {
 ///
 /// Without a bearing value it sends nothing. The setters answer false, and keep the path for the
 /// next connect, when there is no value of the right kind; SetBearingResult_ValuePath keeps what it
-/// had. Triggers are added and enabled as in LogVTData.
+/// had. Triggers are added and enabled as in LogVTData; they write after connect only.
 class SPECTREE_EXPORT LogDF : public LogVTData {
 public:
     LogDF();

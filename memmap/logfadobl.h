@@ -8,7 +8,7 @@ namespace values {
 /// type "FADOBL", separated by "@".
 ///
 /// The setters answer false, and keep the path for the next connect, when there is no value of the
-/// right kind. Triggers are added and enabled as in LogVTData.
+/// right kind. Triggers are added and enabled as in LogVTData; they write after connect only.
 class SPECTREE_EXPORT LogFADOBL : public LogVTData {
 public:
     LogFADOBL();

@@ -32,8 +32,8 @@ concept ItemFormat = requires(const T &item, T &read, const char **pos)
 /// adapter that gives views the texts and icons of a record's columns.
 ///
 /// Every change that changes something is undoable, logged, recorded and told with HasChanged, code
-/// CC_VALUE: a transaction doesn't hold it back. A stored item that knows its key knows the one
-/// that it stands under.
+/// CC_VALUE: a transaction doesn't hold it back. Assign only logs. A stored item that knows its key
+/// knows the one that it stands under.
 ///
 /// Threads: those of ValueBase. A change that had to be posted answers with the key that it got.
 template <typename T, typename F, typename A>
