@@ -3,6 +3,7 @@
 #include "platform/base/kelmos_p.h"
 
 #include <QCoreApplication>
+#include <QThread>
 
 #include <atomic>
 #include <chrono>
@@ -22,6 +23,12 @@ void forgetAppThread() { appThread.store(nullptr, std::memory_order_relaxed); }
 
 void noteAppThread()
 {
+    // A library that is loaded after the application object was made gets here on any thread.
+    if (auto *const app = QCoreApplication::instance();
+        app != nullptr && app->thread() != QThread::currentThread()) {
+        QMetaObject::invokeMethod(app, noteAppThread, Qt::QueuedConnection);
+        return;
+    }
     appThread.store(&threadMark, std::memory_order_relaxed);
     Kelm::setUnloading(false);
     qAddPostRoutine(forgetAppThread);
