@@ -21,7 +21,12 @@ namespace values {
 
 namespace {
 
-const std::string kDefaultNamespace = "VdStr";
+/// Never destroyed: a value may still be asked while the process exits.
+const std::string &defaultNamespace()
+{
+    static const auto *const name = new std::string("VdStr");
+    return *name;
+}
 
 bool checkValueName(const QString &name)
 {
@@ -223,7 +228,7 @@ void ValueBase::SetLastCompletePathName(const QString &path) { rare().lastComple
 
 const std::string &ValueBase::GetTranslationNamespace() const
 {
-    return m_rare != nullptr ? m_rare->translationNamespace : kDefaultNamespace;
+    return m_rare != nullptr ? m_rare->translationNamespace : defaultNamespace();
 }
 
 void ValueBase::SetTranslationNamespace(const char *name, IObserver *source)

@@ -85,17 +85,22 @@ void ValueBase::releaseCommands()
 }
 
 namespace {
-const CommandList kNoCommands;
+/// Never destroyed: a value may still be asked while the process exits.
+const CommandList &noCommands()
+{
+    static const auto *const none = new CommandList;
+    return *none;
 }
+} // namespace
 
 const CommandList &ValueBase::GetCommandList() const
 {
-    return m_rare != nullptr ? m_rare->commandList : kNoCommands;
+    return m_rare != nullptr ? m_rare->commandList : noCommands();
 }
 
 const CommandList &ValueBase::GetCommandListForTransmission() const
 {
-    return m_rare != nullptr ? m_rare->commandListForTransmission : kNoCommands;
+    return m_rare != nullptr ? m_rare->commandListForTransmission : noCommands();
 }
 
 void ValueBase::ClearCommandListForTransmission()
