@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/base/bytes.h"
-#include "platform/base/krexception.h"
+#include "valueclasses/commands/commandtags.h"
 #include "valueclasses/value.h"
 
 #include <charconv>
@@ -60,20 +60,16 @@ T readField(const char **pos, int mode, const char *functionName)
         }
     }
     constexpr const char *className = "Value::CommandSetValue";
-    // A record has errors of its own; of any other field only the end can be missing.
-    if constexpr (std::is_void_v<DefaultFormat<T>>) {
+    const auto read = [&] {
         T value = S::FromStream(pos, mode);
         Kelm::readTerminator(pos, className, functionName);
         return value;
-    } else {
-        try {
-            T value = S::FromStream(pos, mode);
-            Kelm::readTerminator(pos, className, functionName);
-            return value;
-        } catch (const KRException &error) {
-            throw KRException(error.GetReason(), __FILE__, className, functionName, __LINE__);
-        }
-    }
+    };
+    // A record has errors of its own; of any other field only the end can be missing.
+    if constexpr (std::is_void_v<DefaultFormat<T>>)
+        return read();
+    else
+        return withCommandTags(className, functionName, read);
 }
 } // namespace Detail
 

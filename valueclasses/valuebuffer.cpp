@@ -2,6 +2,7 @@
 
 #include "platform/base/bytes.h"
 #include "platform/base/krexception.h"
+#include "valueclasses/commands/commandtags.h"
 
 #include <cstring>
 
@@ -100,12 +101,17 @@ ValueBuffer::CommandSetValue::CommandSetValue(ValueBuffer *value, const char **p
                                               IObserver *source, int /*mode*/)
     : CommandOnValue(kId, value, pos, source)
 {
-    const auto count = Kelm::readLittleEndian<std::uint32_t>(pos);
-    if (count > std::uint32_t(INT32_MAX))
-        throw KRException(QStringLiteral("A buffer cannot hold %1 bytes.").arg(count), __FILE__,
-                          "ValueBuffer::CommandSetValue", "CommandSetValue", __LINE__);
-    m_bytes = Kelm::readBytes(pos, count);
-    Kelm::readTerminator(pos, "ValueBuffer::CommandSetValue", "CommandSetValue");
+    constexpr const char *className = "ValueBuffer::CommandSetValue";
+    constexpr const char *functionName = "CommandSetValue";
+    m_bytes = Detail::withCommandTags(className, functionName, [&] {
+        const auto count = Kelm::readLittleEndian<std::uint32_t>(pos);
+        if (count > std::uint32_t(INT32_MAX))
+            throw KRException(QStringLiteral("A buffer cannot hold %1 bytes.").arg(count), __FILE__,
+                              className, functionName, __LINE__);
+        std::string bytes = Kelm::readBytes(pos, count);
+        Kelm::readTerminator(pos, className, functionName);
+        return bytes;
+    });
 }
 
 void ValueBuffer::CommandSetValue::Execute()

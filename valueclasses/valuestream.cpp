@@ -3,6 +3,7 @@
 #include "platform/base/bytes.h"
 #include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
+#include "valueclasses/commands/commandtags.h"
 
 #include <algorithm>
 #include <charconv>
@@ -204,9 +205,14 @@ CommandSetValueStr<T>::CommandSetValueStr(ValueStream<T> *value, std::vector<T> 
 template <typename T>
 CommandSetValueStr<T>::CommandSetValueStr(ValueStream<T> *value, const char **pos,
                                           IObserver *source, int mode)
-    : CommandOnValue(kId, value, pos, source), m_data(readElements<T>(pos, mode))
+    : CommandOnValue(kId, value, pos, source)
 {
-    Kelm::readTerminator(pos, "valuestream", "CommandSetValueStr");
+    constexpr const char *className = "valuestream", *functionName = "CommandSetValueStr";
+    m_data = Detail::withCommandTags(className, functionName, [&] {
+        std::vector<T> data = readElements<T>(pos, mode);
+        Kelm::readTerminator(pos, className, functionName);
+        return data;
+    });
 }
 
 template <typename T>

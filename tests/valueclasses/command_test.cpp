@@ -4,6 +4,9 @@
 #include "valueclasses/commands/valuecommands.h"
 #include "valueclasses/testvalue.h"
 #include "valueclasses/value.h"
+#include "valueclasses/valuebuffer.h"
+#include "valueclasses/valuelist.h"
+#include "valueclasses/valuestream.h"
 
 #include <gmock/gmock.h>
 
@@ -187,6 +190,49 @@ TEST(CommandString, RefusesWhatIsMalformedAndChangesNothing)
         EXPECT_THROW(value.SetCommandString(row.bytes, nullptr, row.mode), KRException);
         EXPECT_EQ(value.GetState(), VS_NORMAL);
     }
+}
+
+TEST(CommandString, NamesTheCommandWhoseBytesEndTooEarly)
+{
+    ValueStream<int> stream;
+    ValueBuffer buffer;
+    ValueList<int> list;
+    struct Case {
+        ValueBase &value;
+        int mode;
+        std::vector<std::string> strings; // that end in each part of the payload
+        std::string className, functionName;
+    } const cases[] = {
+        {stream, -1, {"20;", "20;1 2"}, "valuestream", "CommandSetValueStr"},
+        {stream,
+         0,
+         {"20;\x01\0"s, "20;\x01\0\0\0\x07"s, "20;\x01\0\0\0\x07\0\0\0"s},
+         "valuestream",
+         "CommandSetValueStr"},
+        {buffer,
+         0,
+         {"20;\x02\0"s, "20;\x02\0\0\0x"s, "20;\x02\0\0\0xx"s},
+         "ValueBuffer::CommandSetValue",
+         "CommandSetValue"},
+        {list, -1, {"20;0", "20;0;7"}, "ValueList::CommandInsert", "CommandInsert"},
+        {list,
+         0,
+         {"20;\0\0"s, "20;\0\0\0\0\x07"s, "20;\0\0\0\0\x07\0\0\0"s},
+         "ValueList::CommandInsert",
+         "CommandInsert"},
+    };
+    for (const Case &row : cases)
+        for (const std::string &bytes : row.strings) {
+            SCOPED_TRACE(row.className + " " + ::testing::PrintToString(bytes));
+            try {
+                row.value.SetCommandString(bytes, nullptr, row.mode);
+                ADD_FAILURE() << "no error";
+            } catch (const KRException &error) {
+                EXPECT_STREQ(error.what(), "Command string is not terminated with ';'");
+                EXPECT_EQ(error.GetClassName(), row.className);
+                EXPECT_EQ(error.GetFunctionName(), row.functionName);
+            }
+        }
 }
 
 TEST(CommandString, BaseCommandsHaveTheseForms)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/base/bytes.h"
+#include "valueclasses/commands/commandtags.h"
 #include "valueclasses/commands/streamformat.h"
 #include "valueclasses/commands/valuecommands.h"
 
@@ -91,6 +92,11 @@ private:
             return target->GetValueBase();
     }
 
+    static constexpr const char *functionName()
+    {
+        return Name.text + (std::string_view(Name.text).rfind(':') + 1);
+    }
+
     static void separate(std::string &out, int mode, bool &isFirst)
     {
         if (!std::exchange(isFirst, false))
@@ -102,7 +108,12 @@ private:
     {
         if (!std::exchange(isFirst, false))
             EatSemicolon(pos, mode);
-        return Field::Stream::FromStream(pos, mode);
+        const auto readIt = [&] { return Field::Stream::FromStream(pos, mode); };
+        // A structure has errors of its own; of any other field only the end can be missing.
+        if constexpr (std::is_void_v<typename Detail::DefaultFormat<typename Field::Type>::type>)
+            return readIt();
+        else
+            return Detail::withCommandTags(Name.text, functionName(), readIt);
     }
 
     static Values read([[maybe_unused]] const char **pos, [[maybe_unused]] int mode)
@@ -110,8 +121,7 @@ private:
         [[maybe_unused]] bool isFirst = true;
         Values fields{readField<Fields>(pos, mode, isFirst)...}; // braces: in their order
         if constexpr (sizeof...(Fields) > 0)
-            Kelm::readTerminator(pos, Name.text,
-                                 Name.text + (std::string_view(Name.text).rfind(':') + 1));
+            Kelm::readTerminator(pos, Name.text, functionName());
         return fields;
     }
 

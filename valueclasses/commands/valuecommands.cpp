@@ -3,6 +3,7 @@
 #include "platform/base/bytes.h"
 #include "platform/base/krexception.h"
 #include "valueclasses/commands/commandfield_p.h"
+#include "valueclasses/commands/commandtags.h"
 #include "valueclasses/commands/streamformat.h"
 #include "valueclasses/ivaluedescriptormap.h"
 
@@ -27,13 +28,12 @@ template <typename T>
 T readField(const char **pos, int mode, const char *reason, const char *className,
             const char *functionName)
 {
-    try {
+    const auto read = [&] {
         T value = StreamFormat<T>::FromStream(pos, mode);
         Kelm::readTerminator(pos, className, functionName);
         return value;
-    } catch (const KRException &) {
-        throw KRException(QString::fromLatin1(reason), __FILE__, className, functionName, __LINE__);
-    }
+    };
+    return Detail::withCommandTags(className, functionName, read, reason);
 }
 
 constexpr const char *kUnexpectedFormat = "Passed string has unexpected format";
