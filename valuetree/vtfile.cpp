@@ -80,14 +80,24 @@ QString readText(const QString &fileName)
     fail("Can not write File - see Details", "Write", error, fileName);
 }
 
-/// A rename is safe from a power cut only once its folder is on the disk, too.
+bool syncToDisk(int handle)
+{
+    int result = ::fsync(handle);
+    while (result != 0 && errno == EINTR)
+        result = ::fsync(handle);
+    return result == 0;
+}
+
+/// A rename is safe from a power cut only once its folder is on the disk, too. The folder is that
+/// of the file itself, where \a fileName is a link to it.
 bool syncFolderOf(const QString &fileName)
 {
-    const QByteArray folder = QFile::encodeName(QFileInfo(fileName).absolutePath());
-    const int handle = ::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const QString folder = QFileInfo(QFileInfo(fileName).canonicalFilePath()).absolutePath();
+    const int handle =
+        ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (handle < 0)
         return false;
-    const bool synced = ::fsync(handle) == 0 || errno == EINVAL; // some file systems can't
+    const bool synced = syncToDisk(handle) || errno == EINVAL; // some file systems can't
     ::close(handle);
     return synced;
 }
@@ -126,12 +136,16 @@ void VtFile::Write()
              m_fileName);
     if (file.write(bytes) != bytes.size() || !file.flush())
         failWriting(file.errorString(), m_fileName);
-    if (::fsync(file.handle()) != 0)
+    if (!syncToDisk(file.handle()))
         failWriting(QString::fromLocal8Bit(std::strerror(errno)), m_fileName);
     if (!file.commit())
         failWriting(file.errorString(), m_fileName);
+    // The new file is there, whole: no error takes that back.
     if (!syncFolderOf(m_fileName))
-        failWriting(QStringLiteral("The folder can't be written to the disk"), m_fileName);
+        SPECTREE_TRACE(
+            TraceWarnings,
+            QStringLiteral("A power cut may bring the old file back, its folder isn't synced: %1")
+                .arg(m_fileName));
 }
 
 void VtFile::SetVersion(const QString &version) { VtXml::SetVersion(version); }

@@ -24,7 +24,8 @@ public:
     /// the folder of the configuration key "workingdir", section "Startup". Nothing for an empty
     /// name. \throws KRException, with nothing changed.
     void Read();
-    /// Nothing for an empty name. \throws KRException, with the old file as it was.
+    /// Nothing for an empty name. \throws KRException, with the old file as it was. That the folder
+    /// couldn't be written to the disk, with the new file in place, is traced only.
     void Write();
     static void SetVersion(const QString &version);
 
