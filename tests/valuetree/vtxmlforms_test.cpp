@@ -113,6 +113,10 @@ TEST(VtXmlForms, ReadsAScalarFromAnotherKind)
                             "</Value><Max exact=\"1e300\">0</Max><Min>-1.500000</Min></v>"));
     EXPECT_THAT((std::array{number->GetValue(), number->GetMax(), number->GetMin()}),
                 testing::ElementsAre(42, std::numeric_limits<int>::max(), -2));
+    for (const char *exact : {"9223372036854775806", "-9223372036854775807"}) // no double
+        EXPECT_EQ(QString::number(XmlTextForms::ConvertedLimit<std::int64_t>(
+                      VTYPE_ValueNumericFloat, {exact, QString(), true})),
+                  exact);
 }
 
 } // namespace

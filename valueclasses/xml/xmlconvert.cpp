@@ -2,6 +2,7 @@
 #include "platform/base/krexception.h"
 #include "valueclasses/xml/xmltext.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <optional>
@@ -73,7 +74,12 @@ template <typename T>
 T ConvertedLimit(ValueType from, const XmlText &field)
 {
     if constexpr (std::is_integral_v<T>) {
-        const double number = numberOf(textOf(from, field));
+        const QString text = textOf(from, field);
+        bool isWhole = false;
+        const qlonglong whole = text.toLongLong(&isWhole); // a double doesn't hold all of them
+        if (isWhole)
+            return T(std::clamp(whole, qlonglong(Limits<T>::min()), qlonglong(Limits<T>::max())));
+        const double number = numberOf(text);
         if (number <= double(Limits<T>::min()))
             return Limits<T>::min();
         if (number >= double(Limits<T>::max()))
