@@ -249,11 +249,15 @@ TEST_F(UndoTest, ATransactionIsUndoneAsOne)
 TEST_F(UndoTest, AStackIsFinishedWithItsLastOpenTransaction)
 {
     ErrorHandler::Instance().SetTraceMask(0);
+    Value<int> leaving;
+    leaving.SetUndoManager(&undo);
     value.StartTransaction(nullptr); // before there is a stack: its end belongs to none
     undo.OpenNewUndoStack("waits");
     value.EndTransaction(CC_VALUE, nullptr);
+    leaving.StartTransaction(nullptr);
     value.StartTransaction(nullptr);
     other.StartTransaction(nullptr);
+    leaving.SetUndoManager(nullptr); // takes its command from below theirs
     value.SetValue(1, nullptr);
     undo.FinishCurrentUndoStack();
     EXPECT_FALSE(undo.OpenNewUndoStack("too early"));

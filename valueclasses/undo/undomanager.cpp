@@ -59,31 +59,52 @@ bool UndoManager::AddUndoCommand(KELM::ICommand *command)
         return false;
     }
     if (isOpenBracket(*own))
-        ++m_currentStack->openBrackets;
+        m_currentStack->openBrackets.push_back(m_currentStack->commands.size());
     m_currentStack->commands.push_back(std::move(own));
     if (m_finishWanted)
         FinishCurrentUndoStack();
     return true;
 }
 
-UndoManager::Commands::iterator UndoManager::findLast(const CommandPredicate &predicate)
+/// The position of the command in the open stack.
+std::optional<std::size_t> UndoManager::find(const CommandPredicate &predicate) const
 {
-    auto &commands = m_currentStack->commands;
-    const auto found = std::find_if(commands.rbegin(), commands.rend(),
-                                    [&](const auto &command) { return predicate(*command); });
-    return found != commands.rend() ? found.base() - 1 : commands.end();
+    const auto &commands = m_currentStack->commands;
+    if (dynamic_cast<const ValueBase::FindCommandEndTransactionPredicate *>(&predicate) !=
+        nullptr) {
+        // At most one of the open brackets. Transactions of many values end in the order in which
+        // they began, or the other way round.
+        const auto &open = m_currentStack->openBrackets;
+        if (!open.empty() && predicate(*commands[open.front()]))
+            return open.front();
+        const auto found = std::find_if(open.rbegin(), open.rend(), [&](std::size_t position) {
+            return predicate(*commands[position]);
+        });
+        return found != open.rend() ? std::optional(*found) : std::nullopt;
+    }
+    for (std::size_t position = commands.size(); position-- > 0;)
+        if (predicate(*commands[position]))
+            return position;
+    return std::nullopt;
+}
+
+void UndoManager::closeBracket(std::size_t position)
+{
+    auto &open = m_currentStack->openBrackets;
+    const auto at = std::lower_bound(open.begin(), open.end(), position);
+    if (at != open.end() && *at == position)
+        open.erase(at);
 }
 
 bool UndoManager::ReplaceUndoCommand_If(CommandPredicate *predicate, KELM::ICommand *command)
 {
     if (m_executing || m_currentStack == nullptr || predicate == nullptr || command == nullptr)
         return false;
-    const auto found = findLast(*predicate);
-    if (found == m_currentStack->commands.end())
+    const auto found = find(*predicate);
+    if (!found)
         return false;
-    if (isOpenBracket(**found))
-        --m_currentStack->openBrackets;
-    found->reset(command);
+    closeBracket(*found);
+    m_currentStack->commands[*found].reset(command);
     return true;
 }
 
@@ -91,12 +112,13 @@ bool UndoManager::RemoveUndoCommand_If(CommandPredicate *predicate)
 {
     if (m_executing || m_currentStack == nullptr || predicate == nullptr)
         return false;
-    const auto found = findLast(*predicate);
-    if (found == m_currentStack->commands.end())
+    const auto found = find(*predicate);
+    if (!found)
         return false;
-    if (isOpenBracket(**found))
-        --m_currentStack->openBrackets;
-    m_currentStack->commands.erase(found);
+    closeBracket(*found);
+    m_currentStack->commands.erase(m_currentStack->commands.begin() + std::ptrdiff_t(*found));
+    for (std::size_t &position : m_currentStack->openBrackets)
+        position -= position > *found ? 1 : 0;
     if (m_finishWanted)
         FinishCurrentUndoStack();
     return true;
@@ -107,7 +129,7 @@ void UndoManager::FinishCurrentUndoStack()
     if (m_executing || m_currentStack == nullptr)
         return;
     // Cut in two, a transaction would leave its value without notifications after an undo.
-    if (m_currentStack->openBrackets > 0)
+    if (!m_currentStack->openBrackets.empty())
         m_finishWanted = true;
     else if (m_currentStack->commands.empty())
         m_currentStack.reset();

@@ -7,6 +7,7 @@
 
 #include <deque>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace values {
@@ -18,7 +19,8 @@ public:
 
     QString description;
     std::vector<std::unique_ptr<KELM::ICommand>> commands; // the last one runs first
-    int openBrackets = 0; // transactions that began in this stack and haven't ended
+    /// Where the commands of transactions stand that began in this stack and haven't ended; rising.
+    std::vector<std::size_t> openBrackets;
 };
 
 /// Collects inverse commands in stacks, and runs them backwards on request.
@@ -77,10 +79,10 @@ private:
     void keepCurrentStack();
     void run(UndoStack &stack);
     void endTransactions(const UndoStack &stack);
+    void closeBracket(std::size_t position);
     bool isGone(const ValueBase *value) const;
     void executionEnded();
-    using Commands = std::vector<std::unique_ptr<KELM::ICommand>>;
-    Commands::iterator findLast(const CommandPredicate &predicate);
+    std::optional<std::size_t> find(const CommandPredicate &predicate) const;
     void tellRecordings() const;
 
     UndoRecordingsListenerNotifier m_recordingsListeners;
