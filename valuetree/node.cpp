@@ -106,8 +106,11 @@ bool Node::canTake(const TreeItem &item, int levels) const
 
 void Node::link(TreeItem &item)
 {
-    if (item.m_parent != nullptr)
+    if (item.m_parent != nullptr) {
+        if (!IsInTree() && item.IsInTree())
+            ChildWalk::rememberPaths(item);
         item.m_parent->unlink(item);
+    }
     if (Node *const node = item.AsNode())
         node->m_index.reset();
     if (m_nextPosition == std::numeric_limits<std::uint32_t>::max()) {
@@ -252,14 +255,16 @@ bool Node::AddValue(QString path, ValueBase *value)
         const ItemWatch watch(this);
         const LifeWatch valueWatch(value);
         value->SetName(name, nullptr);
-        if (watch.isGone() || valueWatch.IsGone())
+        if (valueWatch.IsGone())
+            return true; // nothing is left that could be the caller's
+        if (watch.isGone())
             return false;
         if (isObserved)
             place = placeAt(parent); // its observers may have changed the tree
         if (isObserved && !canStand()) {
             if (!ownName.isEmpty() && value->GetDeleteObserver() == nullptr)
                 value->SetName(ownName, nullptr);
-            return false;
+            return valueWatch.IsGone();
         }
     }
     if (place.at->IsAutoDeleteAtAddValue())
@@ -295,16 +300,27 @@ bool Node::deleteValueItem(ValueItem &item)
 {
     if (item.m_ending)
         return false;
-    item.m_ending = true;
     const ItemWatch watch(&item);
-    if (!item.m_toldAhead) {
-        item.m_toldAhead = true;
-        item.NotifyObservers(CC_ABOUT_TO_DELETE, nullptr);
+    const auto stillEnds = [&] { return item.m_toldAhead && item.m_parent == this; };
+    const bool toldBefore = item.m_toldAhead;
+    try {
+        if (!toldBefore) {
+            item.m_toldAhead = true;
+            item.NotifyObservers(CC_ABOUT_TO_DELETE, nullptr);
+        }
+        if (!watch.isGone() && stillEnds())
+            item.tellOfEnd(nullptr);
+    } catch (...) {
+        if (!watch.isGone() && !toldBefore)
+            item.revive();
+        throw;
     }
-    if (!watch.isGone())
-        item.SetParent(nullptr, true);
     if (watch.isGone())
         return true;
+    if (!stillEnds()) // an observer has moved it, or taken it out
+        return false;
+    unlink(item);
+    item.m_ending = true;
     const bool deleted = item.DeleteValue(QString());
     if (!watch.isGone())
         delete &item;
@@ -408,6 +424,10 @@ void Node::tellChildOfEnd(TreeItem &child, IObserver *source)
         child.NotifyObservers(CC_ABOUT_TO_DELETE, source);
         if (stillEnds() && item != nullptr && item->GetValue() != nullptr)
             item->GetValue()->HasChanged(CC_NAME, source);
+    } else if (Node *const node = child.AsNode(); node != nullptr && !node->m_childrenNotified) {
+        node->NotifyChildrenAboutDeletion(source); // an observer within its end led here
+        if (stillEnds())
+            node->m_childrenNotified = true;
     }
     if (stillEnds())
         child.tellOfEnd(source);

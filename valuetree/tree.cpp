@@ -4,6 +4,7 @@
 #include "platform/base/krexception.h"
 #include "valuetree/path.h"
 #include "valuetree/pathindex_p.h"
+#include "valuetree/treewatch_p.h"
 #include "valuetree/valueitem.h"
 
 namespace values {
@@ -124,6 +125,27 @@ bool BaseTree::DeleteNode(QString path)
 {
     Node *const node = GetSubTree(std::move(path));
     if (node == nullptr || node->m_ending)
+        return false;
+    node->requireThread("VTTHREADING: Destructing node from non-main thread ");
+    const Node *const parent = node->m_parent;
+    const ItemWatch watch(node);
+    const bool toldBefore = node->m_toldAhead;
+    node->m_toldAhead = true; // its own code 17 isn't sent
+    try {
+        if (!node->m_childrenNotified)
+            node->NotifyChildrenAboutDeletion(nullptr);
+        if (!watch.isGone() && node->m_toldAhead && node->m_parent == parent) {
+            node->m_childrenNotified = true;
+            node->tellOfEnd(nullptr);
+        }
+    } catch (...) {
+        if (!watch.isGone() && !toldBefore)
+            node->revive();
+        throw;
+    }
+    if (watch.isGone())
+        return true;
+    if (!node->m_toldAhead || node->m_parent != parent) // an observer has moved it
         return false;
     delete node;
     return true;

@@ -68,7 +68,7 @@ QString TreeItem::GetLastCompletePathName() const
 void TreeItem::SetLastCompletePathName(bool /*recurse*/)
 {
     // The path is formed when somebody asks, and kept when the item is about to leave it.
-    if (m_parent != nullptr)
+    if (!m_lastPath.isEmpty() && m_parent != nullptr && IsInTree())
         m_lastPath.clear();
 }
 
@@ -136,7 +136,13 @@ void TreeItem::SetParent(Node *parent, bool notify)
         parent->requireTakeable(this);
     if (notify) {
         const ItemWatch watch(this), parentWatch(parent);
-        tellOfEnd(nullptr);
+        try {
+            tellOfEnd(nullptr);
+        } catch (...) {
+            if (!watch.isGone())
+                m_toldOfEnd = false;
+            throw;
+        }
         if (watch.isGone() || (parent != nullptr && parentWatch.isGone()))
             return;
         if (parent != nullptr)
@@ -144,8 +150,10 @@ void TreeItem::SetParent(Node *parent, bool notify)
     }
     if (parent != nullptr)
         return parent->link(*this);
-    if (m_parent != nullptr)
+    if (m_parent != nullptr) {
+        ChildWalk::rememberPaths(*this);
         m_parent->unlink(*this);
+    }
     if (!notify)
         revive();
 }

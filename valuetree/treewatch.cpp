@@ -46,4 +46,12 @@ void ChildWalk::tellUnlinked(const TreeItem &item)
             walk->m_next = item.m_next;
 }
 
+void ChildWalk::rememberPaths(TreeItem &item)
+{
+    item.rememberPath();
+    if (const Node *const node = item.AsNode())
+        for (TreeItem *child = node->m_first; child != nullptr; child = child->m_next)
+            rememberPaths(*child);
+}
+
 } // namespace values

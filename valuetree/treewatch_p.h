@@ -30,6 +30,8 @@ public:
     /// Null at the end.
     TreeItem *next();
     static void tellUnlinked(const TreeItem &item);
+    /// Keeps the path of \a item, which is about to leave its tree, and of all below it.
+    static void rememberPaths(TreeItem &item);
 
 private:
     TreeItem *m_next;

@@ -51,7 +51,7 @@ public:
     std::string GetAsStdString() const override { return GetValueAsStdString(); }
     void SetAsStdString(std::string_view text, IObserver *source) override;
     std::string GetValueAsStdString() const override;
-    /// Makes a value, disabled, where there is none. \throws KRException for another type.
+    /// Makes a value where there is none, its state too. \throws KRException for another type.
     void SetValueAsStdString(std::string_view text, IObserver *source) override;
     void AddTreeString(std::string &out, int depth, int detail) const override;
 

@@ -191,11 +191,73 @@ TEST(TreeLife, WhatAnObserverMovesLivesOn)
     }
 }
 
+/// An observer moves what is deleted by path, takes it out, or throws: then it isn't deleted, and
+/// is told all of its end when that comes.
+TEST(TreeLife, WhatADeletionLeavesLivesOn)
+{
+    const std::pair<QString, const char *> cases[] = {
+        {"w", "w 17"}, {"w", "w 18"}, {"m", "v 17"}, {"m", "v 18"}, {"m", "m 18"}};
+    const std::vector<std::string> endOfValue{"w 17", "w 18", "=w 2"},
+        endOfNode{"v 17", "v 1", "=v 1", "v 18", "m 18", "=v 2"};
+    for (const auto &[name, when] : cases)
+        for (const char *how : {"moves", "takes out", "throws"}) {
+            SCOPED_TRACE(std::string(when) + ", " + how);
+            Life life;
+            Node other("other");
+            TreeItem *const item = life.tree.GetNode("/n")->GetChild(name);
+            const auto end = [&](const QString &path) {
+                return name == "w" ? life.tree.DeleteValue(path) : life.tree.DeleteNode(path);
+            };
+            life.log.then[when] = [&] {
+                life.log.then.clear();
+                if (how[0] == 'm')
+                    return other.AddItem(item);
+                if (how[1] == 'a')
+                    return item->SetParent(nullptr, false);
+                throw KRException("no", "", "", "", 0);
+            };
+            if (how[1] == 'h') {
+                EXPECT_THROW(end("/n/" + name), KRException);
+            } else {
+                EXPECT_FALSE(end("/n/" + name));
+            }
+            EXPECT_EQ(item->GetLastCompletePathName(), "/n/" + name);
+            life.tree.GetRoot()->AddItem(item);
+            life.log.take();
+            EXPECT_TRUE(end('/' + name));
+            EXPECT_EQ(life.log.take(), name == "w" ? endOfValue : endOfNode);
+        }
+}
+
+TEST(TreeLife, AnObserverMayEndWhatIsAddedAndWhereItGoes)
+{
+    Life life;
+    BaseTree &tree = life.tree;
+    auto *const value = new Int;
+    life.log.watch(value, "=new");
+    life.log.then["=new 1"] = [&] { delete value; };
+    EXPECT_TRUE(tree.AddValue("/n/x", value)) << "nothing is left for the caller";
+    EXPECT_EQ(tree.GetValueItem("/n/x"), nullptr);
+    Node item("item");
+    life.log.watch(&item, "item");
+    life.log.then["item 1"] = [&] { tree.DeleteNode("/n/m"); };
+    tree.GetNode("/n/m")->AddItemUnique(&item);
+    EXPECT_EQ(item.GetParent(), nullptr);
+    life.log.then["n 16"] = [&] { tree.DeleteNode("/n"); };
+    EXPECT_EQ(tree.GetNode("/n")->CopyChildNode(&item), nullptr);
+    EXPECT_EQ(tree.GetRoot()->GetChildrenCount(), 0);
+}
+
 TEST(TreeLife, SetParentMovesAnItemOrTakesItOut)
 {
     Life life;
     Node *const root = life.tree.GetRoot(), *const m = life.tree.GetNode("/n/m");
+    const TreeItem *const v = m->GetChild("v");
+    Node detached("d");
+    detached.AddItem(m);
+    EXPECT_EQ(v->GetLastCompletePathName(), "/n/m/v");
     m->SetParent(root, false);
+    EXPECT_EQ(v->GetLastCompletePathName(), "/m/v");
     EXPECT_EQ(life.tree.GetValue("/m/v")->GetPathName(), "/m/v");
     EXPECT_EQ(root->SearchTreeItem("m"), 1);
     EXPECT_THROW(root->GetChild("n")->SetParent(root->GetChildNode("n"), true), KRException);
@@ -203,6 +265,7 @@ TEST(TreeLife, SetParentMovesAnItemOrTakesItOut)
     m->SetParent(nullptr, true);
     EXPECT_THAT(life.log.take(), ElementsAre("m 18"));
     EXPECT_EQ(root->SearchTreeItem("m"), -1);
+    EXPECT_EQ(v->GetLastCompletePathName(), "/m/v");
     EXPECT_EQ(life.tree.GetNode("/m"), nullptr);
     delete m;
     EXPECT_THAT(life.log.take(), ElementsAre("v 17", "v 1", "=v 1", "v 18", "=v 2"));

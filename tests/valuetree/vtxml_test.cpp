@@ -273,9 +273,13 @@ TEST(VtXml, ReadsIntoWhatIsThere)
         deleting.then.clear();
         delete item->GetValue();
         item->AddValue("", new Number("FREQUENCY", 5, 0, 10));
+        ValueItem *const mode = second.GetNode("RECEIVER")->GetChildValueItem("MODE");
+        delete mode->GetValue(); // and one that the rest of the text doesn't fit
+        mode->AddValue("", new Int("MODE", 3));
     };
     VtXml::FromXml(&second, kGolden);
     EXPECT_EQ(item->GetStringValue(), "5.000000");
+    EXPECT_EQ(second.GetValue("RECEIVER/MODE")->GetStringValue(), "3");
 }
 
 class Versions final : public VtFileVersion {
