@@ -9,7 +9,9 @@ struct Observable::Call {
     Observable *subject;
     Call *outer;
     IObserver *source;
-    bool disturbed = false; // the list has moved, or the subject is gone
+    // How many observers may be called without another look: 0 once the list has moved or the
+    // subject is gone, so that the loop asks for all of this and its end at once.
+    std::size_t limit = 0;
     // Of the outermost call: wishes that wait for its end. Few calls have any.
     std::unique_ptr<std::vector<IObserver *>> toFront;
 
@@ -20,8 +22,14 @@ struct Observable::Call {
     }
     ~Call()
     {
-        if (subject != nullptr)
+        if (subject == nullptr)
+            return;
+        subject->m_running = outer;
+        if (outer != nullptr)
+            return;
+        if (subject->m_count != subject->m_observers.size() || toFront != nullptr) [[unlikely]]
             subject->endCall(*this);
+        subject->NotificationEnded();
     }
 };
 
@@ -35,7 +43,7 @@ Observable::~Observable()
 void Observable::disturbCalls()
 {
     for (Call *call = m_running; call != nullptr; call = call->outer)
-        call->disturbed = true;
+        call->limit = 0;
 }
 
 void Observable::AddObserver(IObserver *observer)
@@ -116,32 +124,25 @@ void Observable::NotifyObservers(TChangeCode code, IObserver *source)
 template <typename IsSource>
 inline void Observable::callObservers(Call &call, TChangeCode code, IsSource isSource)
 {
-    IObserver *const *list = m_observers.data();
     const std::size_t count = m_observers.size();
-    for (std::size_t i = 0; i < count; ++i) {
-        IObserver *const observer = list[i];
-        if (observer == nullptr || isSource(observer))
-            continue;
-        observer->Update(this, code);
-        if (!call.disturbed) [[likely]]
-            continue;
-        if (call.subject == nullptr)
-            return;
-        call.disturbed = false;
-        list = m_observers.data();
+    for (std::size_t i = 0; i < count && call.subject != nullptr;) {
+        IObserver *const *const list = m_observers.data();
+        call.limit = count;
+        do {
+            IObserver *const observer = list[i++];
+            if (observer != nullptr && !isSource(observer))
+                observer->Update(this, code);
+        } while (i < call.limit);
     }
 }
 
+/// What the outermost call leaves to do.
 void Observable::endCall(Call &call)
 {
-    m_running = call.outer;
-    if (m_running != nullptr)
-        return;
     if (m_count != m_observers.size())
         m_observers.erase(std::remove(m_observers.begin(), m_observers.end(), nullptr),
                           m_observers.end());
     if (call.toFront != nullptr)
         for (IObserver *observer : *call.toFront)
             moveToFront(observer);
-    NotificationEnded();
 }
