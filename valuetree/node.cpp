@@ -96,7 +96,7 @@ int Node::height(const TreeItem &item)
 /// Whether \a item may stand \a levels below this node.
 bool Node::canTake(const TreeItem &item, int levels) const
 {
-    if (m_ending || item.m_ending || item.isRoot())
+    if (m_ending || ItemWatch::isEnding(*this) || item.m_ending || item.isRoot())
         return false;
     for (const TreeItem *above = this; above != nullptr; above = above->m_parent)
         if (above == &item)
@@ -196,7 +196,7 @@ Node::Place Node::placeAt(QStringView path) const
                 return {};
         }
     }
-    if (at != nullptr && !at->m_ending)
+    if (at != nullptr && !at->m_ending && !ItemWatch::isEnding(*at))
         place.at = at;
     return place;
 }

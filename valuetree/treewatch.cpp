@@ -8,7 +8,8 @@ thread_local ItemWatch *innermostWatch = nullptr;
 thread_local ChildWalk *innermostWalk = nullptr;
 } // namespace
 
-ItemWatch::ItemWatch(const TreeItem *item) : m_item(item), m_outer(innermostWatch)
+ItemWatch::ItemWatch(const TreeItem *item, bool ends)
+    : m_item(item), m_ends(ends), m_outer(innermostWatch)
 {
     innermostWatch = this;
 }
@@ -20,6 +21,14 @@ void ItemWatch::tellDestroyed(const TreeItem *item)
     for (ItemWatch *watch = innermostWatch; watch != nullptr; watch = watch->m_outer)
         if (watch->m_item == item)
             watch->m_item = nullptr;
+}
+
+bool ItemWatch::isEnding(const TreeItem &item)
+{
+    for (const ItemWatch *watch = innermostWatch; watch != nullptr; watch = watch->m_outer)
+        if (watch->m_ends && watch->m_item == &item && item.m_toldAhead)
+            return true;
+    return false;
 }
 
 ChildWalk::ChildWalk(const Node &node)

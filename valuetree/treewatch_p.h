@@ -8,15 +8,19 @@ namespace values {
 /// the stack.
 class ItemWatch {
 public:
-    explicit ItemWatch(const TreeItem *item);
+    /// \a ends: what follows is the end of the item, which takes nothing any more unless it is
+    /// moved.
+    explicit ItemWatch(const TreeItem *item, bool ends = false);
     ~ItemWatch();
     ItemWatch(const ItemWatch &) = delete;
     ItemWatch &operator=(const ItemWatch &) = delete;
     bool isGone() const { return m_item == nullptr; }
     static void tellDestroyed(const TreeItem *item);
+    static bool isEnding(const TreeItem &item);
 
 private:
     const TreeItem *m_item;
+    const bool m_ends;
     ItemWatch *m_outer;
 };
 
