@@ -58,6 +58,7 @@ function(spectree_test name)
     set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} ENVIRONMENT "${options}")
     if(arg_THREADS)
         set_tests_properties(${name} PROPERTIES LABELS threads)
+        add_dependencies(threaded_tests ${name})
     endif()
 endfunction()
 
