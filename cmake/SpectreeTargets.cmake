@@ -33,6 +33,13 @@ function(spectree_finish_library target)
         VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} EXPORT_NAME spectree)
 endfunction()
 
+# What every test runs with.
+set(SPECTREE_TEST_ENVIRONMENT "QT_QPA_PLATFORM=offscreen"
+    "TSAN_OPTIONS=ignore_noninstrumented_modules=1:halt_on_error=1:second_deadlock_stack=1"
+    "ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1"
+    "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/cmake/lsan.supp:print_suppressions=0"
+    "UBSAN_OPTIONS=print_stacktrace=1")
+
 # spectree_test(name [THREADS] [GUI] [TIMEOUT s] [LIBRARIES lib...] SOURCES file...): one GoogleTest
 # program. THREADS labels it for the run under the thread sanitizer, GUI gives it a QGuiApplication
 # (for what paints text) in place of a QCoreApplication. No test has signals of its own: without moc
@@ -50,12 +57,7 @@ function(spectree_test name)
     if(NOT arg_TIMEOUT)
         set(arg_TIMEOUT 120)
     endif()
-    set(options "QT_QPA_PLATFORM=offscreen"
-        "TSAN_OPTIONS=ignore_noninstrumented_modules=1:halt_on_error=1:second_deadlock_stack=1"
-        "ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1"
-        "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/cmake/lsan.supp:print_suppressions=0"
-        "UBSAN_OPTIONS=print_stacktrace=1")
-    set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} ENVIRONMENT "${options}")
+    set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} ENVIRONMENT "${SPECTREE_TEST_ENVIRONMENT}")
     if(arg_THREADS)
         set_tests_properties(${name} PROPERTIES LABELS threads)
         add_dependencies(threaded_tests ${name})

@@ -136,7 +136,7 @@ public:
     bool setReduced(int index, int field, double value);
     /// The index of the reduced point nearest to a frequency; -1 without one.
     int GetReducedIndex(double frequency) const;
-    /// The index that was changed last, -1 for none.
+    /// The index that was changed last, -1 for none; behind the last point when that was removed.
     int ReducedChangeIndex() const { return m_reducedChangeIndex; }
     void ResetReducedChangeIndex() { m_reducedChangeIndex = -1; }
 

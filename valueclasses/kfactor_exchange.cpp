@@ -124,7 +124,7 @@ int KFactor::SaveToFile(const QString &fileName)
         saved.m_points = m_reduced;
     for (const KF &point : saved.m_points)
         if (!std::isfinite(point.value + m_maxOffset) ||
-            !std::isfinite(point.minimum + m_minOffset))
+            (point.minimum != KF::kNoMinimum && !std::isfinite(point.minimum + m_minOffset)))
             return fail("A number of a curve is not finite");
     QSaveFile file(fileName);
     const bool isOpen = file.open(QIODevice::WriteOnly);

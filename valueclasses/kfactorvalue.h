@@ -12,7 +12,8 @@ namespace values {
 /// equal curve in it changes nothing.
 ///
 /// Threads: those of ValueBase. A change that had to be posted answers 0 or true.
-/// Errors:  as KFactor, told before anything is posted.
+/// Errors:  as KFactor. An argument that isn't finite is told before anything is posted; a result
+///          that isn't is traced where it comes about.
 class SPECTREE_EXPORT ValueKFactor : public KFactorPure {
 public:
     ValueKFactor() = default;

@@ -5,6 +5,7 @@
 #include "valueclasses/valuelist.h"
 
 #include <algorithm>
+#include <memory>
 #include <type_traits>
 #include <typeinfo>
 #include <utility>
@@ -271,6 +272,8 @@ template <typename T, typename F, typename S>
 void ValueList<T, F, S>::Assign(const ValueBase &other)
 {
     const auto &list = CastForAssign<ValueList>(other);
+    if (IsChangeForeign())
+        return PostChange([this, copy = std::make_shared<ValueList>(list)] { Assign(*copy); });
     ValueBase::operator=(other);
     takeItems(list.m_items);
 }

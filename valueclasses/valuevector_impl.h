@@ -4,6 +4,7 @@
 #include "valueclasses/sequenceforms.h"
 #include "valueclasses/valuevector.h"
 
+#include <memory>
 #include <typeinfo>
 #include <utility>
 
@@ -114,6 +115,8 @@ template <typename T, typename F, typename S>
 void ValueVector<T, F, S>::Assign(const ValueBase &other)
 {
     const auto &vector = CastForAssign<ValueVector>(other);
+    if (IsChangeForeign())
+        return PostChange([this, copy = std::make_shared<ValueVector>(vector)] { Assign(*copy); });
     ValueBase::operator=(other);
     takeItems(vector.m_items);
 }

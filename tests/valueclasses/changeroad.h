@@ -176,7 +176,7 @@ inline void checkRoad(const RoadCase &c, int mode)
 inline void checkRoad(const RoadCase &c)
 {
     SCOPED_TRACE(c.name);
-    for (const int mode : {-1, 0, -2, -3})
+    for (const int mode : {-1, 0, 1, -2, -3})
         checkRoad(c, mode);
     checkForeignRoad(c);
     UndoOnce undo;

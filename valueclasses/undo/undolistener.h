@@ -7,7 +7,8 @@
 
 namespace values {
 
-/// Somebody who shows what can be undone.
+/// Somebody who shows what can be undone. It may be told in the middle of a setter, before the new
+/// state is stored: it may delete values, but must not change one that has the manager.
 class SPECTREE_EXPORT IUndoRecordingsListener {
 public:
     virtual ~IUndoRecordingsListener() = default;
