@@ -255,9 +255,10 @@ void ValueNumeric<T, F, S>::doubleSetChangingValue(double value, IObserver *sour
 template <typename T, typename F, typename S>
 void ValueNumeric<T, F, S>::storeChangingValue(double stored, IObserver *source)
 {
-    if (fromDouble(stored) == m_changingValue || !Detail::isNumber(stored))
+    const T number = fromDouble(stored);
+    if (number == m_changingValue || !Detail::isNumber(number))
         return;
-    m_changingValue = fromDouble(std::min(std::max(stored, double(m_min)), double(m_max)));
+    m_changingValue = clipped(number);
     this->NotifyObservers(CC_CHANGING, source);
 }
 

@@ -11,8 +11,8 @@ namespace values {
 /// Keeps one transaction open for as long as it lives.
 ///
 /// The end notifies with the first code that isn't CC_NONE; the others follow, one notification
-/// each, through the target's own NotifyObservers. A target that is destroyed before leaves the
-/// guard empty. A guard ends on the thread that made it.
+/// each, through the target's own NotifyObservers. A guard ends on the thread that made it; a target
+/// that is destroyed there before leaves it empty, on another thread the target must outlive it.
 class SPECTREE_EXPORT ValueTransaction {
 public:
     ValueTransaction() = default;

@@ -96,7 +96,7 @@ int Node::height(const TreeItem &item)
 /// Whether \a item may stand \a levels below this node.
 bool Node::canTake(const TreeItem &item, int levels) const
 {
-    if (m_ending || ItemWatch::isEnding(*this) || item.m_ending || item.isRoot())
+    if (ItemWatch::isBelowEnd(*this) || item.m_ending || item.isRoot())
         return false;
     for (const TreeItem *above = this; above != nullptr; above = above->m_parent)
         if (above == &item)
@@ -196,7 +196,7 @@ Node::Place Node::placeAt(QStringView path) const
                 return {};
         }
     }
-    if (at != nullptr && !at->m_ending && !ItemWatch::isEnding(*at))
+    if (at != nullptr && !ItemWatch::isBelowEnd(*at))
         place.at = at;
     return place;
 }
@@ -437,8 +437,14 @@ void Node::DeleteChildren()
 {
     const ItemWatch watch(this);
     const std::uint32_t end = m_nextPosition; // observers may add others meanwhile
-    if (!m_childrenNotified)
-        NotifyChildrenAboutDeletion(nullptr);
+    try {
+        if (!m_childrenNotified)
+            NotifyChildrenAboutDeletion(nullptr);
+    } catch (...) {
+        if (!watch.isGone() && !m_ending && !m_toldAhead)
+            reviveChildren(); // none goes, so each will be told again
+        throw;
+    }
     while (!watch.isGone() && m_first != nullptr && m_first->m_position < end) {
         TreeItem *const child = m_first;
         unlink(*child);

@@ -37,7 +37,7 @@ public:
     void SetAllValuesAutoDelete(bool on) override;
     void AddTreeString(std::string &out, int depth, int detail) const override;
 
-    /// Destroys the node with all below it. False when there is none, it is ending, or was moved.
+    /// Destroys the node with all below it. False when there is none, or when it was moved.
     virtual bool DeleteNode(QString path);
     /// The node at \a path, with or without a closing "/"; the root for "/".
     virtual Node *GetSubTree(QString path) const;

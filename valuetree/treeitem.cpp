@@ -2,6 +2,7 @@
 
 #include "platform/base/errorhandler.h"
 #include "platform/base/kelmos.h"
+#include "platform/base/krexception.h"
 #include "valuetree/node.h"
 #include "valuetree/pathindex_p.h"
 #include "valuetree/treewatch_p.h"
@@ -136,17 +137,21 @@ void TreeItem::SetParent(Node *parent, bool notify)
         parent->requireTakeable(this);
     if (notify) {
         const ItemWatch watch(this), parentWatch(parent);
+        const bool wasTold = m_toldOfEnd;
         try {
             tellOfEnd(nullptr);
+            if (watch.isGone())
+                return;
+            if (parent != nullptr && parentWatch.isGone())
+                throw KRException("The node that was to take an item is gone", __FILE__, "TreeItem",
+                                  "SetParent", __LINE__);
+            if (parent != nullptr)
+                parent->requireTakeable(this);
         } catch (...) {
             if (!watch.isGone())
-                m_toldOfEnd = false;
+                m_toldOfEnd = wasTold; // it stays where it is, and will be told again
             throw;
         }
-        if (watch.isGone() || (parent != nullptr && parentWatch.isGone()))
-            return;
-        if (parent != nullptr)
-            parent->requireTakeable(this);
     }
     if (parent != nullptr)
         return parent->link(*this);

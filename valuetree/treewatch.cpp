@@ -31,6 +31,14 @@ bool ItemWatch::isEnding(const TreeItem &item)
     return false;
 }
 
+bool ItemWatch::isBelowEnd(const TreeItem &item)
+{
+    for (const TreeItem *above = &item; above != nullptr; above = above->m_parent)
+        if (above->m_ending || isEnding(*above))
+            return true;
+    return false;
+}
+
 ChildWalk::ChildWalk(const Node &node)
     : m_next(node.m_first), m_end(node.m_nextPosition), m_outer(innermostWalk)
 {

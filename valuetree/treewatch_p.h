@@ -17,6 +17,8 @@ public:
     bool isGone() const { return m_item == nullptr; }
     static void tellDestroyed(const TreeItem *item);
     static bool isEnding(const TreeItem &item);
+    /// Whether it, or a node above it, is ending or being told so: nothing new may come there.
+    static bool isBelowEnd(const TreeItem &item);
 
 private:
     const TreeItem *m_item;

@@ -149,11 +149,20 @@ TEST(TreeLife, ObserversMayDeleteWhatTheyWatch)
         {"delete parent", [](BaseTree &tree) { tree.DeleteNode("/n/m"); }},
         {"delete all", [](BaseTree &tree) { tree.DeleteNode("/"); }},
         {"add", [](BaseTree &tree) { tree.CreateValue("/n/m/new", Int()); }},
+        {"move beside",
+         [](BaseTree &tree) {
+             try {
+                 if (Node *const node = tree.GetNode("/n/m"))
+                     if (ValueItem *const item = tree.GetValueItem("/n/w"))
+                         node->AddItem(item);
+             } catch (const KRException &) { // one whose end is told takes nothing
+             }
+         }},
         {"move", [](BaseTree &tree) {
              if (Node *const node = tree.GetNode("/n/m"))
                  tree.AddNode("/", node);
          }}};
-    for (const char *when : {"v 17", "v 1", "v 18", "=v 1", "=v 2", "m 17", "n 18"})
+    for (const char *when : {"v 17", "v 1", "v 18", "=v 1", "=v 2", "m 17", "w 17", "w 18", "n 18"})
         for (const auto &[name, act] : actions) {
             for (const Ending &row : kEndings) {
                 SCOPED_TRACE(std::string(when) + ", " + name + ", " + row.name);

@@ -3,7 +3,9 @@
 
 #include "valueclasses/itemmaps/itemmapcommands.h"
 
+#include <algorithm>
 #include <unordered_set>
+#include <vector>
 
 namespace values {
 
@@ -248,8 +250,13 @@ void ValueItemMapBase<T, F, A>::AddObjectStateStringForTransmission(std::string 
 {
     ValueBase::AddObjectStateStringForTransmission(out, mode);
     CommandMapClear<T, F, A>::Write(out, int(mode));
-    for (const auto &[key, item] : m_items)
-        CommandMapSetAt<T, F, A>::Write(out, int(mode), key, item);
+    std::vector<unsigned int> keys; // ascending, so that equal maps have equal forms
+    keys.reserve(m_items.size());
+    for (const auto &entry : m_items)
+        keys.push_back(entry.first);
+    std::sort(keys.begin(), keys.end());
+    for (const unsigned int key : keys)
+        CommandMapSetAt<T, F, A>::Write(out, int(mode), key, m_items.at(key));
 }
 
 template <typename T, typename F, typename A>

@@ -132,9 +132,16 @@ void UndoManager::FinishCurrentUndoStack()
     if (!m_currentStack->openBrackets.empty())
         m_finishWanted = true;
     else if (m_currentStack->commands.empty())
-        m_currentStack.reset();
+        dropCurrentStack();
     else
         keepCurrentStack();
+}
+
+void UndoManager::dropCurrentStack()
+{
+    m_currentStack.reset();
+    if (std::exchange(m_finishWanted, false))
+        tellRecordings(); // somebody may wait to open the next one
 }
 
 void UndoManager::keepCurrentStack()

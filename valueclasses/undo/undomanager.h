@@ -77,6 +77,7 @@ public:
 
 private:
     void keepCurrentStack();
+    void dropCurrentStack();
     void run(UndoStack &stack);
     void endTransactions(const UndoStack &stack);
     void closeBracket(std::size_t position);
