@@ -118,7 +118,6 @@ private:
     void erase(Iterator item, IObserver *source);
     void setItems(std::list<T> items, IObserver *source);
     void replaceItems(std::list<T> items, IObserver *source);
-    void takeItems(std::list<T> items);
     void refill(const std::list<T> &items, IObserver *source);
     [[nodiscard]] bool undoToPresent(); // as AddUndo
 

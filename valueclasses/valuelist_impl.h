@@ -272,20 +272,17 @@ template <typename T, typename F, typename S>
 void ValueList<T, F, S>::Assign(const ValueBase &other)
 {
     const auto &list = CastForAssign<ValueList>(other);
-    if (IsChangeForeign())
-        return PostChange([this, copy = std::make_shared<ValueList>(list)] { Assign(*copy); });
+    // The other's undo manager comes with it. The copy goes where it is used: the poster may be the
+    // last to drop the change, and no value may end on its thread.
+    if (IsChangeForeign() || list.IsChangeForeign())
+        return PostChange([this, copy = std::make_shared<ValueList>(list)]() mutable {
+            const auto own = std::move(copy);
+            Assign(*own);
+        });
     ValueBase::operator=(other);
-    takeItems(list.m_items);
-}
-
-template <typename T, typename F, typename S>
-void ValueList<T, F, S>::takeItems(std::list<T> items)
-{
-    if (IsChangeForeign())
-        return PostChange([this, items = std::move(items)] { takeItems(items); });
     m_lastIndex = -1;
     m_lastItem = T{};
-    replaceItems(std::move(items), nullptr);
+    replaceItems(list.m_items, nullptr);
 }
 
 template <typename T, typename F, typename S>

@@ -61,7 +61,6 @@ protected:
 private:
     void readItems(std::vector<T> items, IObserver *source);
     void replaceItems(std::vector<T> items, IObserver *source);
-    void takeItems(std::vector<T> items);
     [[nodiscard]] bool undoToPresent(); // as AddUndo
 
     std::vector<T> m_items;

@@ -115,18 +115,15 @@ template <typename T, typename F, typename S>
 void ValueVector<T, F, S>::Assign(const ValueBase &other)
 {
     const auto &vector = CastForAssign<ValueVector>(other);
-    if (IsChangeForeign())
-        return PostChange([this, copy = std::make_shared<ValueVector>(vector)] { Assign(*copy); });
+    // The other's undo manager comes with it. The copy goes where it is used: the poster may be the
+    // last to drop the change, and no value may end on its thread.
+    if (IsChangeForeign() || vector.IsChangeForeign())
+        return PostChange([this, copy = std::make_shared<ValueVector>(vector)]() mutable {
+            const auto own = std::move(copy);
+            Assign(*own);
+        });
     ValueBase::operator=(other);
-    takeItems(vector.m_items);
-}
-
-template <typename T, typename F, typename S>
-void ValueVector<T, F, S>::takeItems(std::vector<T> items)
-{
-    if (IsChangeForeign())
-        return PostChange([this, items = std::move(items)] { takeItems(items); });
-    replaceItems(std::move(items), nullptr);
+    replaceItems(vector.m_items, nullptr);
 }
 
 template <typename T, typename F, typename S>

@@ -5,9 +5,11 @@
 #include "valueclasses/recordsamples.h"
 #include "valueclasses/valuespecialinterest.h"
 
+#include <QCoreApplication>
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <thread>
 
@@ -430,6 +432,28 @@ TEST(SpecialInterest, ChangesTheInterestOfAnElementByOneCommand)
         expectStep(step, make);
     const ValueList<SpecialInterest> plain;
     EXPECT_FALSE(plain.Compare(make({}).get()) || make({})->Compare(&plain)) << "two classes";
+}
+
+/// The application thread takes each change while the thread that posts it is still at it: what is
+/// posted must not end there, since a value would end the process.
+TEST(ValueLists, AnAssignmentEndsOnTheApplicationThread)
+{
+    ValueList<int> list;
+    list.CommandRecordingOn();
+    const ValueList<int> empty;
+    std::atomic<bool> done = false;
+    ErrorHandler::Instance().SetTraceMask(0);
+    std::thread poster([&] {
+        for (int i = 0; i < 5000; ++i)
+            list.Assign(empty);
+        done = true;
+    });
+    while (!done)
+        QCoreApplication::processEvents();
+    poster.join();
+    QCoreApplication::processEvents();
+    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
+    EXPECT_EQ(list.Size(), 0);
 }
 
 } // namespace
