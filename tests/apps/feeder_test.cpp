@@ -3,6 +3,7 @@
 #include "tests/apps/inputtools.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QElapsedTimer>
 #include <QSignalSpy>
 
@@ -40,9 +41,13 @@ private:
 };
 
 struct Stored {
+    Stored() { clock.start(); }
+
     std::vector<KRTimeStamp> times;
     std::vector<int> scans;
+    std::vector<qint64> when; // by clock, in ms
     std::function<void()> windowSeen;
+    QElapsedTimer clock;
 };
 
 class FakeSink : public ScanSink {
@@ -52,6 +57,7 @@ public:
     {
         m_stored.times.push_back(time);
         m_stored.scans.push_back(int(scan.levels.at(0)));
+        m_stored.when.push_back(m_stored.clock.elapsed());
     }
     QByteArray endpoint() const override { return "tcp://nowhere"; }
     void onWindow(std::function<void()> seen) override { m_stored.windowSeen = std::move(seen); }
@@ -60,12 +66,12 @@ private:
     Stored &m_stored;
 };
 
-void runFor(int milliseconds)
+/// Runs the event loop until \a done, at most ten seconds.
+bool waitFor(const std::function<bool()> &done)
 {
-    QElapsedTimer clock;
-    clock.start();
-    while (clock.elapsed() < milliseconds)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+    for (QDeadlineTimer limit(10000); !done() && !limit.hasExpired();)
+        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 5);
+    return done();
 }
 
 /// A feeder between fakes, started.
@@ -95,7 +101,7 @@ TEST(Feeder, FeedsAllAtOnceAtSpeedZeroAndSaysWhenItEnds)
 {
     Rig rig({1000000, 2000000, 3000000}, {0, false, false});
     EXPECT_TRUE(rig.stored.scans.empty()) << "nothing before the event loop runs";
-    runFor(50);
+    EXPECT_TRUE(waitFor([&] { return rig.ended.count() != 0; }));
     EXPECT_EQ(rig.stored.scans, (std::vector<int>{0, 1, 2}));
     EXPECT_EQ(rig.stored.times, (std::vector<KRTimeStamp>{1000000, 2000000, 3000000}));
     EXPECT_EQ(rig.ended.count(), 1);
@@ -106,9 +112,9 @@ TEST(Feeder, KeepsTheTimeOfTheStampsTimesTheSpeed)
 {
     // 0.4 s and an hour behind the first, at twice the speed
     Rig rig({1000000, 1400000, 3600000000}, {2, false, false});
-    runFor(120);
-    EXPECT_EQ(rig.stored.scans.size(), 1u);
-    runFor(300);
+    ASSERT_TRUE(waitFor([&] { return rig.stored.scans.size() == 2; }));
+    EXPECT_GE(rig.stored.when[1], 199);
+    EXPECT_FALSE(rig.ended.wait(100));
     EXPECT_EQ(rig.stored.scans.size(), 2u);
 }
 
@@ -119,40 +125,42 @@ TEST(Feeder, LoopsWithRisingStampsAndLetsOthersRun)
     QTimer other;
     QObject::connect(&other, &QTimer::timeout, [&ticks] { ++ticks; });
     other.start(10);
-    runFor(200);
     const std::vector<KRTimeStamp> &times = rig.stored.times;
-    EXPECT_GT(times.size(), 1000u);
+    ASSERT_TRUE(waitFor([&] { return ticks > 5 && times.size() > 1000; }));
     for (std::size_t i = 1; i < times.size(); ++i)
         ASSERT_GT(times[i], times[i - 1]);
     EXPECT_EQ(times[2], 9000u);
     EXPECT_EQ(rig.ended.count(), 0);
-    EXPECT_GT(ticks, 5) << "the event loop was held";
 }
 
 TEST(Feeder, WaitsUntilAWindowHasAllItsKindsOfData)
 {
     Rig rig({1, 2}, {0, false, true});
-    runFor(30);
     ASSERT_TRUE(rig.stored.windowSeen);
-    EXPECT_TRUE(rig.feeder.isWaiting());
-    for (int kind = 0; kind < 3; ++kind) {
+    waitFor([&] { return rig.stored.clock.elapsed() > 350; });
+    EXPECT_TRUE(rig.feeder.isWaiting()) << "no window has come";
+    std::vector<qint64> asked;
+    for (int kind = 0; kind < 3 && rig.feeder.isWaiting(); ++kind) {
         std::thread(rig.stored.windowSeen).join(); // a window's thread tells
-        runFor(200);
-        EXPECT_TRUE(rig.stored.scans.empty()) << "kind " << kind;
+        QCoreApplication::processEvents();
+        asked.push_back(rig.stored.clock.elapsed());
+        waitFor([&] { return rig.stored.clock.elapsed() >= asked.back() + 200; });
     }
-    runFor(300);
-    EXPECT_EQ(rig.stored.scans.size(), 2u);
+    ASSERT_TRUE(waitFor([&] { return rig.stored.scans.size() == 2; }));
+    // On a machine that stands still for a while, it may rightly begin before the last one asks.
+    for (const qint64 time : asked)
+        EXPECT_TRUE(time > rig.stored.when[0] || rig.stored.when[0] - time >= 280) << time;
     EXPECT_FALSE(rig.feeder.isWaiting());
 }
 
 TEST(Feeder, TellsOfAnInputThatFailsOrHasNothing)
 {
     Rig broken({1, 2, 3}, {0, false, false}, 1), empty({}, {0, true, false});
-    runFor(30);
+    EXPECT_TRUE(waitFor([&] { return broken.failed.count() != 0 && empty.ended.count() != 0; }))
+        << "a loop over nothing ends too";
     ASSERT_EQ(broken.failed.count(), 1);
     EXPECT_EQ(broken.failed[0][0].toString(), QStringLiteral("the disk is gone"));
     EXPECT_EQ(broken.stored.scans.size(), 1u);
-    EXPECT_EQ(empty.ended.count(), 1) << "a loop over nothing";
 }
 
 TEST(TerminationSignals, BecomeAQtSignal)
@@ -162,7 +170,6 @@ TEST(TerminationSignals, BecomeAQtSignal)
         QSignalSpy caught(&signals, &TerminationSignals::caught);
         std::raise(signal);
         EXPECT_EQ(caught.count(), 0) << "not inside the handler";
-        runFor(20);
-        EXPECT_EQ(caught.count(), 1);
+        EXPECT_TRUE(waitFor([&] { return caught.count() == 1; }));
     }
 }
