@@ -113,6 +113,8 @@ void VtXml::fromString(const QString &xml)
 {
     // QDom follows entities and any depth, and walks a document by recursion.
     const XmlDocument checked(xml);
+    if (checked.elements().size() > kMostDomElements)
+        VtXmlParts::fail(QStringLiteral("There are more than %1 elements").arg(kMostDomElements));
     if (!VtXmlParts::accept(checked))
         return;
     QString error;

@@ -8,9 +8,11 @@
 namespace values {
 
 // What a tree document may have at most; the writer keeps to it, too. A parser needs several times
-// the memory of the text, and for each element as much as for some fifty characters.
+// the memory of the text, for each element as much as for some fifty characters, and Qt's DOM some
+// 1 200 bytes for one.
 constexpr int kLongestDocument = 1 << 29; // characters
 constexpr std::size_t kMostElements = std::size_t(1) << 23;
+constexpr std::size_t kMostDomElements = std::size_t(1) << 20;
 constexpr int kMostAttributes = 32; // of one element
 
 /// A tree document in memory: its elements in one row, in their order, and all texts in one string.

@@ -230,6 +230,7 @@ TEST(VtXml, RefusesAWholeDocumentForOnePart)
         EXPECT_EQ(root.GetValue("OLD")->GetStringValue(), "7");
     }
     EXPECT_THROW(VtXml(document(far)), KRException);
+    EXPECT_THROW(VtXml(document(QString("<a/>").repeated(1 << 20))), KRException);
 }
 
 TEST(VtXml, ReadsIntoWhatIsThere)
