@@ -5,6 +5,7 @@
 #include "valueclasses/kfactor.h"
 #include "valueclasses/records/recordforms_p.h"
 
+#include <QFileInfo>
 #include <QSaveFile>
 
 #include <cmath>
@@ -16,6 +17,7 @@ namespace values {
 namespace {
 
 constexpr double kHzPerMHz = 1000000.0;
+constexpr qint64 kLargestFile = qint64(1) << 26; // bytes, some two million points
 constexpr qint64 kLongestLine = 65536; // bytes; a file without line feeds isn't taken whole
 
 int fail(const char *reason)
@@ -63,10 +65,15 @@ int KFactor::LoadFromFile(const QString &fileName)
     QString error;
     if (!Kelm::openRegularFile(file, error))
         return fail("File open failed!");
+    if (file.size() > kLargestFile)
+        return fail("File read failed!");
     KFactor read = *this;
     std::vector<KF> points;
     for (;;) {
-        const QString line = withoutLineEnd(QString::fromUtf8(file.readLine(kLongestLine)));
+        const QByteArray bytes = file.readLine(kLongestLine);
+        if (!bytes.isEmpty() && !bytes.endsWith('\n') && !file.atEnd())
+            return fail("File read failed!"); // the rest of a line is none
+        const QString line = withoutLineEnd(QString::fromUtf8(bytes));
         if (line.isEmpty())
             break;
         read.readLine(line, points);
@@ -126,8 +133,9 @@ int KFactor::SaveToFile(const QString &fileName)
         if (!std::isfinite(point.value + m_maxOffset) ||
             (point.minimum != KF::kNoMinimum && !std::isfinite(point.minimum + m_minOffset)))
             return fail("A number of a curve is not finite");
+    const QFileInfo there(fileName);
     QSaveFile file(fileName);
-    const bool isOpen = file.open(QIODevice::WriteOnly);
+    const bool isOpen = (!there.exists() || there.isFile()) && file.open(QIODevice::WriteOnly);
     const QByteArray text = saved.ToCSVString().toUtf8();
     if (!isOpen || file.write(text) != text.size() || !file.commit())
         return fail("File open failed!");

@@ -144,13 +144,26 @@ ValueBase *ValueDescriptor::Create(IObserver *observer) const
     applyLimits(*value);
     value->SetStringValue(m_initial, nullptr);
     value->SetValueDescriptor(this);
-    if (!tree.AddValue(path, value.get()))
-        return nullptr;
+    value->AddObserver(observer);
+    const LifeWatch watch(value.get());
+    const auto isTaken = [&] { return watch.IsGone() || value->GetDeleteObserver() != nullptr; };
+    const auto giveUp = [&] {
+        if (isTaken())
+            static_cast<void>(value.release()); // an observer of the tree has failed
+        else
+            value->DeleteObserver(observer); // which saw no value, and sees no end of one
+    };
+    try {
+        if (!tree.AddValue(path, value.get())) {
+            giveUp();
+            return nullptr;
+        }
+    } catch (...) {
+        giveUp();
+        throw;
+    }
     static_cast<void>(value.release());
-    ValueBase *const placed = tree.GetValue(path); // unless an observer has deleted it already
-    if (placed != nullptr)
-        placed->AddObserver(observer);
-    return placed;
+    return tree.GetValue(path); // an observer may have deleted it already
 }
 
 void ValueDescriptor::AddValues(const ValueDescriptor *const *descriptors, int count,

@@ -47,6 +47,9 @@ void ValueFactory::UnregisterType(ValueType type)
     m_byType.erase(found);
     m_byClass.erase(kind->GetClass());
     m_byName.erase(kind->GetTypeName());
+    for (const auto &[name, other] : m_byName) // another kind may share the number
+        if (other->GetType() == type)
+            m_byType.try_emplace(type, other.get());
 }
 
 ValueBase *ValueFactory::CreateValue(ValueType type) const

@@ -19,12 +19,13 @@ public:
     }
     Node *MakeNode(const QString &path, IObserver *observer) override
     {
-        Node *const root = Tree::Instance().GetRoot();
-        if (root == nullptr)
+        Tree &tree = Tree::Instance();
+        if (tree.GetRoot() == nullptr)
             return nullptr;
-        if (root->GetNode(path) == nullptr)
-            root->AddNode(path);
-        Node *const node = root->GetNode(path);
+        if (tree.GetRoot()->GetNode(path) == nullptr)
+            tree.GetRoot()->AddNode(path);
+        Node *const root = tree.GetRoot(); // observers may have deleted what they were told of
+        Node *const node = root != nullptr ? root->GetNode(path) : nullptr;
         if (node != nullptr)
             node->AddObserver(observer);
         return node;

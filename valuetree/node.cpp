@@ -282,11 +282,15 @@ ValueBase *Node::CreateValue(QString path, const ValueBase &prototype)
     }
     if (!placeAt(QStringView(whole).left(std::max(whole.lastIndexOf('/'), 0))).reaches(1))
         return nullptr;
-    std::unique_ptr<ValueBase> value(ValueFactory::Instance().CloneValue(prototype));
-    if (value == nullptr || !AddValue(whole, value.get()))
+    ValueBase *const value = ValueFactory::Instance().CloneValue(prototype);
+    if (value == nullptr)
         return nullptr;
-    static_cast<void>(value.release());
-    return GetValue(whole); // unless an observer has deleted it already
+    const ItemWatch watch(this);
+    if (!AddValue(whole, value)) { // an observer that throws does so when the value stands
+        delete value;
+        return nullptr;
+    }
+    return watch.isGone() ? nullptr : GetValue(whole); // an observer may have deleted it already
 }
 
 bool Node::DeleteValue(QString path)
@@ -331,8 +335,9 @@ Node *Node::AddChildNode(const QString &name)
 {
     if (name.isEmpty())
         return nullptr;
+    const ItemWatch watch(this);
     AddNode(name + '/');
-    return GetChildNode(name);
+    return watch.isGone() ? nullptr : GetChildNode(name);
 }
 
 void Node::requireTakeable(const TreeItem *item) const
@@ -421,8 +426,10 @@ void Node::tellChildOfEnd(TreeItem &child, IObserver *source)
         } else if (const ValueBase *const value = item->GetValue()) {
             traceNotice(*this, child.m_name + " (" + value->GetPathName());
         }
-        child.NotifyObservers(CC_ABOUT_TO_DELETE, source);
-        if (stillEnds() && item != nullptr && item->GetValue() != nullptr)
+        const bool isNews = !child.m_toldOfEnd; // an item that leaves its node may have told it
+        if (isNews)
+            child.NotifyObservers(CC_ABOUT_TO_DELETE, source);
+        if (isNews && stillEnds() && item != nullptr && item->GetValue() != nullptr)
             item->GetValue()->HasChanged(CC_NAME, source);
     } else if (Node *const node = child.AsNode(); node != nullptr && !node->m_childrenNotified) {
         node->NotifyChildrenAboutDeletion(source); // an observer within its end led here
@@ -435,7 +442,7 @@ void Node::tellChildOfEnd(TreeItem &child, IObserver *source)
 
 void Node::DeleteChildren()
 {
-    const ItemWatch watch(this);
+    const ItemWatch watch(this, ItemWatch::Ends::Children);
     const std::uint32_t end = m_nextPosition; // observers may add others meanwhile
     try {
         if (!m_childrenNotified)

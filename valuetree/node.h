@@ -87,7 +87,8 @@ public:
     void CopyChildren(const Node *other);
     /// Refills the child of \a other's name, or makes it. Null where a value has the name.
     Node *CopyChildNode(const Node *other);
-    /// Keep what exists, and add what is missing: the descriptor too, and the children.
+    /// Keep what exists, and add what is missing: the descriptor too, and the children. \throws
+    /// KRException as AddItem does; what was added before stays.
     void Merge(const Node *other);
     void MergeChildren(const Node *other);
 

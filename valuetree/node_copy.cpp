@@ -63,8 +63,8 @@ void Node::replaceChildren(std::vector<std::unique_ptr<TreeItem>> children)
     for (auto &child : children) {
         if (watch.isGone())
             return;
-        AddItem(child.get());
-        static_cast<void>(child.release());
+        requireTakeable(child.get());
+        AddItem(child.release());
     }
 }
 
@@ -104,8 +104,8 @@ Node *Node::CopyChildNode(const Node *other)
     auto copy = std::make_unique<Node>();
     copy->Copy(other);
     const ItemWatch watch(this);
-    AddItem(copy.get());
-    static_cast<void>(copy.release());
+    requireTakeable(copy.get());
+    AddItem(copy.release());
     return watch.isGone() ? nullptr : GetChildNode(name);
 }
 
@@ -128,8 +128,8 @@ void Node::MergeChildren(const Node *other)
         TreeItem *const present = GetChild(child->m_name);
         if (present == nullptr) {
             if (auto copy = copyOf(*child)) {
-                AddItem(copy.get());
-                static_cast<void>(copy.release());
+                requireTakeable(copy.get());
+                AddItem(copy.release());
             }
         } else if (Node *const node = present->AsNode()) {
             node->Merge(child->AsNode());

@@ -128,7 +128,7 @@ bool BaseTree::DeleteNode(QString path)
         return false;
     node->requireThread("VTTHREADING: Destructing node from non-main thread ");
     const Node *const parent = node->m_parent;
-    const ItemWatch watch(node, true);
+    const ItemWatch watch(node, ItemWatch::Ends::Item);
     const bool toldBefore = node->m_toldAhead;
     node->m_toldAhead = true; // its own code 17 isn't sent
     try {

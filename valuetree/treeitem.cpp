@@ -61,10 +61,11 @@ QString TreeItem::GetPathName_NoSlashForRoot() const
 
 QString TreeItem::GetLastCompletePathName() const
 {
-    // A value item whose value died has no name, and so no path of its own any more.
-    const bool stands = IsInTree() && (!m_name.isEmpty() || m_parent == nullptr);
-    return stands || m_lastPath.isEmpty() ? GetPathName() : m_lastPath;
+    return stands() || m_lastPath.isEmpty() ? GetPathName() : m_lastPath;
 }
+
+/// A value item whose value died has no name, and so no path of its own any more.
+bool TreeItem::stands() const { return IsInTree() && (!m_name.isEmpty() || m_parent == nullptr); }
 
 void TreeItem::SetLastCompletePathName(bool /*recurse*/)
 {
@@ -75,7 +76,7 @@ void TreeItem::SetLastCompletePathName(bool /*recurse*/)
 
 void TreeItem::rememberPath()
 {
-    if (IsInTree())
+    if (stands())
         m_lastPath = GetPathName();
 }
 

@@ -78,6 +78,7 @@ private:
     Node *top() const;
     ValueItem *valueItem(); // AsValueItem without a look at the virtual table
     void setParent(Node *parent);
+    bool stands() const;
     void rememberPath();
     void revive();
 

@@ -8,7 +8,7 @@ thread_local ItemWatch *innermostWatch = nullptr;
 thread_local ChildWalk *innermostWalk = nullptr;
 } // namespace
 
-ItemWatch::ItemWatch(const TreeItem *item, bool ends)
+ItemWatch::ItemWatch(const TreeItem *item, Ends ends)
     : m_item(item), m_ends(ends), m_outer(innermostWatch)
 {
     innermostWatch = this;
@@ -25,8 +25,11 @@ void ItemWatch::tellDestroyed(const TreeItem *item)
 
 bool ItemWatch::isEnding(const TreeItem &item)
 {
-    for (const ItemWatch *watch = innermostWatch; watch != nullptr; watch = watch->m_outer)
-        if (watch->m_ends && watch->m_item == &item && item.m_toldAhead)
+    for (const ItemWatch *watch = innermostWatch; watch != nullptr && item.m_toldAhead;
+         watch = watch->m_outer)
+        if ((watch->m_ends == Ends::Item && watch->m_item == &item) ||
+            (watch->m_ends == Ends::Children && item.m_parent != nullptr &&
+             watch->m_item == item.m_parent))
             return true;
     return false;
 }

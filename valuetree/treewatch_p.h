@@ -8,21 +8,23 @@ namespace values {
 /// the stack.
 class ItemWatch {
 public:
-    /// \a ends: what follows is the end of the item, which takes nothing any more unless it is
-    /// moved.
-    explicit ItemWatch(const TreeItem *item, bool ends = false);
+    /// What comes to its end meanwhile, and takes nothing any more unless it is moved.
+    enum class Ends { Nothing, Item, Children };
+
+    explicit ItemWatch(const TreeItem *item, Ends ends = Ends::Nothing);
     ~ItemWatch();
     ItemWatch(const ItemWatch &) = delete;
     ItemWatch &operator=(const ItemWatch &) = delete;
     bool isGone() const { return m_item == nullptr; }
     static void tellDestroyed(const TreeItem *item);
+    /// Whether the end of the item, or of its node's children, has been told and goes on.
     static bool isEnding(const TreeItem &item);
     /// Whether it, or a node above it, is ending or being told so: nothing new may come there.
     static bool isBelowEnd(const TreeItem &item);
 
 private:
     const TreeItem *m_item;
-    const bool m_ends;
+    const Ends m_ends;
     ItemWatch *m_outer;
 };
 

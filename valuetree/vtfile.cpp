@@ -130,6 +130,9 @@ void VtFile::Write()
     const QByteArray bytes = VtXml::ToXml(m_node).toUtf8();
     if (bytes.size() > kLargestFile)
         failWriting(QStringLiteral("The file would be larger than 512 MiB"), m_fileName);
+    if (const QFileInfo there(m_fileName); there.exists() && !there.isFile())
+        fail("Can not open File for writing - see Details", "Write",
+             QStringLiteral("It is no regular file"), m_fileName);
     QSaveFile file(m_fileName); // unless it is committed, its end removes what it has written
     if (!file.open(QIODevice::WriteOnly))
         fail("Can not open File for writing - see Details", "Write", file.errorString(),

@@ -6,6 +6,7 @@
 #include "platform/base/xmlformat.h"
 #include "valueclasses/xml/xmltext.h"
 #include "valueclasses/xmlvaluefactory.h"
+#include "valuetree/treewatch_p.h"
 #include "valuetree/valueitem.h"
 #include "valuetree/vtfileversion.h"
 #include "valuetree/vtxml_p.h"
@@ -87,13 +88,15 @@ void fillItem(Node &node, QDomElement &element)
         static_cast<void>(value.release());
 }
 
+/// A repair may delete the node.
 void fill(Node &node, const QDomElement &element)
 {
+    const ItemWatch watch(&node);
     const QDomElement descriptor = descriptorOf(element);
     VtXmlParts::setDescriptor(
         node, XmlTextForms::TextOf({descriptor.firstChild().toText().data(),
                                     descriptor.attribute(QStringLiteral("exact")), true}));
-    for (QDomElement child = element.firstChildElement(); !child.isNull();
+    for (QDomElement child = element.firstChildElement(); !child.isNull() && !watch.isGone();
          child = child.nextSiblingElement())
         fillItem(node, child);
 }
@@ -161,8 +164,10 @@ Node *VtXml::CreateNodeAt(int index) const
         !VtXmlParts::isItemName(name))
         return nullptr;
     auto node = std::make_unique<Node>(name);
+    const ItemWatch watch(node.get());
     fill(*node, element);
-    return node.release();
+    Node *const made = node.release();
+    return watch.isGone() ? nullptr : made;
 }
 
 bool VtXml::CheckVersion(const QString &fileVersion)

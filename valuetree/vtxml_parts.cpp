@@ -2,6 +2,7 @@
 #include "platform/base/krexception.h"
 #include "valueclasses/ivaluedescriptormap.h"
 #include "valueclasses/valuefactory.h"
+#include "valueclasses/xml/xmltext.h"
 #include "valueclasses/xmlvaluefactory.h"
 #include "valuetree/treewatch_p.h"
 #include "valuetree/valueitem.h"
@@ -11,6 +12,8 @@
 namespace values::VtXmlParts {
 
 namespace {
+
+constexpr int kLongestName = 4000; // characters of an element name; Qt reads no more than 4 096
 
 void traceLost(const TreeItem &item, const char *reason)
 {
@@ -59,6 +62,8 @@ bool canKeep(TreeItem &child)
     const char *reason = nullptr;
     if (!isItemName(name))
         reason = "it has no name, or one with a \"/\"";
+    else if (XmlTextForms::EncodeName(name).size() > kLongestName)
+        reason = "its name is too long";
     else if (child.GetParent()->GetChild(name) != &child)
         reason = "another item has its name";
     else if (item != nullptr && item->GetValue() == nullptr)

@@ -206,9 +206,15 @@ void TreeReader::applyNode(Node &parent, std::size_t at, const QString &name)
     auto made = std::make_unique<Node>(name);
     made->SetAutoDeleteAtAddValue(parent.IsAutoDeleteAtAddValue());
     Node &node = *made;
-    const bool wasFresh = m_fresh;
-    if (wasFresh && parent.AddNode(QString(), &node))
+    const auto add = [&] { // an observer that throws does so when the node stands
         static_cast<void>(made.release());
+        if (!parent.AddNode(QString(), &node))
+            made.reset(&node);
+        return made == nullptr;
+    };
+    const bool wasFresh = m_fresh;
+    if (wasFresh)
+        add();
     m_fresh = true;
     const ItemWatch parentWatch(&parent), watch(&node);
     applyDescriptor(node, at);
@@ -217,9 +223,7 @@ void TreeReader::applyNode(Node &parent, std::size_t at, const QString &name)
     m_fresh = wasFresh;
     if (watch.isGone())
         static_cast<void>(made.release()); // a repair has deleted it
-    else if (!wasFresh && !parentWatch.isGone() && parent.AddNode(QString(), &node))
-        static_cast<void>(made.release());
-    else if (made != nullptr)
+    else if (made != nullptr && (wasFresh || parentWatch.isGone() || !add()))
         traceSkipped(name);
 }
 
@@ -231,11 +235,11 @@ void TreeReader::applyValue(Node &parent, std::size_t at, const QString &name)
         if (index < 0)
             return; // of an unknown kind, or deleted meanwhile
         std::unique_ptr<ValueBase> &made = m_made[std::size_t(index)];
-        if (parent.AddValue(QString(), made.get()))
-            static_cast<void>(made.release());
-        else
-            traceSkipped(name);
-        return;
+        ValueBase *const value = made.release(); // an observer that throws does so when it stands
+        if (parent.AddValue(QString(), value))
+            return;
+        made.reset(value);
+        return traceSkipped(name);
     }
     ValueItem *const item = there->AsValueItem();
     ValueBase *const value = item != nullptr ? item->GetValue() : nullptr;

@@ -75,7 +75,11 @@ private:
         if (tag.startsWith(u'/'))
             return next;
         if (tag.startsWith(u'!')) {
-            if (m_hasType || tag.left(length).contains(u'['))
+            const QStringView declaration = tag.left(length);
+            // An identifier in quotes may hold what looks like a comment, and lead elsewhere.
+            if (m_hasType || std::any_of(declaration.begin(), declaration.end(), [](QChar c) {
+                    return c == u'[' || c == u'"' || c == u'\'';
+                }))
                 failAt(at, QStringLiteral("The document type has declarations of its own"));
             m_hasType = true;
             return next;
@@ -140,6 +144,9 @@ private:
         case QXmlStreamReader::EndElement:
             m_document.m_elements[m_open.back()].end = int(m_document.m_elements.size());
             m_open.pop_back();
+            break;
+        case QXmlStreamReader::EntityReference:
+            m_refused = QStringLiteral("The document has an entity of its own");
             break;
         default:
             break;

@@ -102,7 +102,7 @@ void XmlValue<T, F>::Read(ValueBase &value, const XmlFields &fields) const
             return XmlValueState::ReadState(value, fields.Find(u"State"), fields);
     if (const auto kind = XmlValueBase::OtherKind(value, fields))
         scalar.SetValue(XmlTextForms::ConvertedFrom<T>(*kind, field), nullptr);
-    else if (field.exact.isEmpty())
+    else if (field.exact.isEmpty() && !std::same_as<T, double>) // which is read as it was checked
         scalar.SetStringValue(field.text, nullptr);
     else
         scalar.SetValue(fieldOf(field), nullptr);
