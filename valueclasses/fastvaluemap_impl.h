@@ -301,6 +301,8 @@ void FastValueMap<Y, YHandler>::noteRecordedChange(IObserver *source)
     const bool bufferOnly = storesInBufferOnly();
     if (!bufferOnly)
         this->stampChange(CC_MAPPING);
+    if (watch.IsGone())
+        return;
     if (this->IsCommandRecording())
         this->AddCommand(new Change(this, CC_MAPPING, source));
     this->NotifyObservers(CC_FAST_MAP, source);

@@ -30,7 +30,8 @@ public:
     virtual void SetCommandString(const std::string &commands, IObserver *source, int mode) = 0;
     virtual ValueType GetType() const = 0;
     virtual QString GetTypeName() const = 0;
-    /// Takes over what \a other holds, without undo, command or notification.
+    /// Takes over what \a other holds, without undo. Of lists and vectors the change is recorded
+    /// and told; the others tell nobody. \throws KRException for another kind.
     virtual void Assign(const ValueBase &other) = 0;
     virtual bool Compare(const ValueBase *other) const = 0;
 };

@@ -19,7 +19,9 @@ bool ValueKFactor::Compare(const ValueBase *other) const
 
 void ValueKFactor::SetValue(KFactor curve, IObserver *source)
 {
-    if (PostIfForeign([this, curve, source] { SetValue(curve, source); }) || m_value.IsSame(curve))
+    if (IsChangeForeign())
+        return PostChange([this, curve, source] { SetValue(curve, source); });
+    if (m_value.IsSame(curve))
         return;
     StoreChanged(m_value, std::move(curve), CC_VALUE, source,
                  [this](const KFactor &state, IObserver *on, CommandUse) {
@@ -30,7 +32,9 @@ void ValueKFactor::SetValue(KFactor curve, IObserver *source)
 void ValueKFactor::setRead(KFactor curve, IObserver *source)
 {
     // The string holds no transducer's name.
-    if (PostIfForeign([this, curve, source] { setRead(curve, source); }) || m_value == curve)
+    if (IsChangeForeign())
+        return PostChange([this, curve, source] { setRead(curve, source); });
+    if (m_value == curve)
         return;
     curve.SetTransducerName(m_value.GetTransducerName());
     SetValue(std::move(curve), source);
@@ -48,8 +52,10 @@ template <typename Edit>
 auto ValueKFactor::edit(IObserver *source, std::invoke_result_t<Edit, KFactor &> posted,
                         Edit change) -> decltype(posted)
 {
-    if (PostIfForeign([=, this] { edit(source, posted, change); }))
+    if (IsChangeForeign()) {
+        PostChange([=, this] { edit(source, posted, change); });
         return posted;
+    }
     KFactor edited = m_value;
     const auto result = change(edited);
     SetValue(std::move(edited), source);

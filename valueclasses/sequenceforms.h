@@ -4,6 +4,7 @@
 #include "valueclasses/commands/streamformat.h"
 
 #include <cstdint>
+#include <type_traits>
 
 /// What the forms of lists and vectors share.
 namespace values::Sequence {
@@ -14,6 +15,16 @@ inline constexpr std::size_t kMaxCount = 0xFFFF;
 /// Reads an element count. \throws KRException for one that the bytes left can't hold.
 SPECTREE_EXPORT std::size_t readCount(const char **pos, int mode);
 SPECTREE_EXPORT void appendCount(std::string &out, std::size_t count, int mode);
+
+/// Two numbers that are NaN are the same element, so that it is found again.
+template <typename T>
+bool isSame(const T &left, const T &right)
+{
+    if constexpr (std::is_floating_point_v<T>)
+        if (left != left && right != right)
+            return true;
+    return left == right;
+}
 
 /// Calls \a use with each line of \a text, up to the first empty one.
 template <typename Use>

@@ -109,8 +109,10 @@ template <typename T, typename F, typename S>
 void Value<T, F, S>::Assign(const ValueBase &other)
 {
     const auto &same = CastForAssign<Value>(other);
-    ValueBase::operator=(other);
+    if (PostAssignIfForeign(same))
+        return;
     m_value = same.m_value;
+    ValueBase::operator=(other); // last, for it may tell somebody who deletes this value
 }
 
 template <typename T, typename F, typename S>

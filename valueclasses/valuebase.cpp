@@ -12,6 +12,7 @@
 #include "valueclasses/valuebase_p.h"
 
 #include <QCoreApplication>
+#include <QPointer>
 
 #include <algorithm>
 #include <climits>
@@ -73,12 +74,20 @@ ValueBase &ValueBase::operator=(const ValueBase &other)
     if (this == &other)
         return *this;
     m_type = other.m_type;
-    storeName(other.m_name);
+    // The tree's index and a timer belong to the application thread.
+    if (m_deleteObserver != nullptr && m_name != other.m_name && isForeignThread())
+        PostChange([this, name = other.m_name] { storeName(name); });
+    else
+        storeName(other.m_name);
     m_state = other.m_state;
     m_properties = other.m_properties;
     SetAutoDelete(other.IsAutoDelete());
     m_descriptor = other.m_descriptor;
-    startTimer(other.GetUpdateTimerTime());
+    if (const unsigned period = other.GetUpdateTimerTime();
+        period == GetUpdateTimerTime() || !isForeignThread())
+        startTimer(period);
+    else
+        PostChange([this, period] { startTimer(period); });
     SetUndoManager(other.GetUndoManager());
     return *this;
 }
@@ -158,7 +167,10 @@ ValueBase::~ValueBase()
     setFlag(AutoDelete, false);
     m_state = VS_DELETED;
     // An observer may run the event loop, or undo: neither may reach what is half destroyed.
-    delete m_handOver.exchange(nullptr, std::memory_order_acquire);
+    if (auto *const handOver = m_handOver.exchange(nullptr, std::memory_order_acquire)) {
+        const KeepLastDeletedObject keep; // a posted assignment may hold a copy
+        delete handOver;
+    }
     setFlag(HandsOver, false);
     forgetUndo();
     m_undoManager.store(nullptr);
@@ -183,7 +195,7 @@ void ValueBase::setFlag(Flag flag, bool on)
     if (on)
         m_flags.fetch_or(flag, std::memory_order_relaxed);
     else
-        m_flags.fetch_and(static_cast<unsigned char>(~flag), std::memory_order_relaxed);
+        m_flags.fetch_and(static_cast<unsigned char>(~flag), std::memory_order_release);
 }
 
 void ValueBase::setProperty(Property property, bool on)
@@ -274,6 +286,16 @@ bool ValueBase::Compare(const ValueBase *other) const
            GetUpdateTimerTime() == other->GetUpdateTimerTime();
 }
 
+void ValueBase::postAssign(const ValueBase &other)
+{
+    // It ends with its hand-over object.
+    const QPointer<NotifyDistinction> alive(&const_cast<ValueBase &>(other).handOver());
+    PostChange([this, &other, alive] {
+        if (!alive.isNull())
+            Assign(other);
+    });
+}
+
 void ValueBase::failAssign(const ValueBase &other)
 {
     throw KRException(QStringLiteral("A value of another kind cannot take over the %1 \"%2\".")
@@ -345,6 +367,10 @@ void ValueBase::KillOverrideTimer(int /*id*/)
 
 bool ValueBase::AddUndo(Command *command)
 {
+    if (isForeignThread()) { // undo came to be wanted while the change was on its way
+        delete command;
+        return true;
+    }
     const LifeWatch watch(this);
     setFlag(HasUndo, true);
     GetUndoManager()->AddUndoCommand(command);

@@ -4,6 +4,7 @@
 #include "platform/base/objecttimer.h"
 #include "valueclasses/commands/command.h"
 #include "valueclasses/isupporttransaction.h"
+#include "valueclasses/itreeitem.h"
 #include "valueclasses/ivalue.h"
 #include "valueclasses/lifewatch.h"
 #include "valueclasses/valuetransaction.h"
@@ -34,8 +35,8 @@ class ValueItem;
 ///            another thread once there is an application object: the store happens there, by one
 ///            writer at a time, and the notification is posted. Where recording or undo is on, or
 ///            earlier changes still wait, the whole change is posted instead; see PostChange.
-///            Destroying or notifying a value made before the application object on a wrong thread
-///            ends the process.
+///            Destroying a value on another thread ends the process; so does notifying there one
+///            that was made before the application object.
 /// Ownership: commands belong to the list that holds them; observers, tree item, descriptor and
 ///            undo manager are not owned. A value whose changes went to an undo manager empties it
 ///            when it dies, since nothing can restore it; other managers it leaves alone.
@@ -95,6 +96,9 @@ public:
     void SetFlagExport(bool on) { setProperty(PropertyExport, on); }
 
     // Value and state
+    /// A value of a kind overrides these two: this is what an observer of its end is told.
+    ValueType GetType() const override { return m_type; }
+    QString GetTypeName() const override { return {}; }
     void SetStringValue(QString text, IObserver *source) override;
     QString GetStringValue() const override;
     TValueState GetState() const override { return m_state; }
@@ -239,9 +243,30 @@ protected:
     }
     bool IsChangeForeign() const
     {
-        return (hasFlag(Recording | RecordingForTransmission | ChangesPosted) ||
+        // Behind the last posted change, its stores are seen.
+        constexpr unsigned kPosts = Recording | RecordingForTransmission | ChangesPosted;
+        return ((m_flags.load(std::memory_order_acquire) & kPosts) != 0 ||
                 GetUndoManager() != nullptr) &&
                isForeignThread();
+    }
+    /// As PostIfForeign, for Assign. An \a other whose own changes are posted is read behind them
+    /// and must live until then, else nothing is assigned; of any other one a copy goes along.
+    template <typename V>
+    bool PostAssignIfForeign(const V &other)
+    {
+        const ValueBase &base = other;
+        if (base.IsChangeForeign())
+            postAssign(base);
+        else if (IsChangeForeign())
+            // The poster may be the last to drop the change, and no value may end on its thread.
+            PostChange([this, copy = std::make_shared<V>(other)]() mutable {
+                const KeepLastDeletedObject keep; // nobody knew the copy
+                const auto own = std::move(copy);
+                Assign(*own);
+            });
+        else
+            return false;
+        return true;
     }
     /// Runs \a change on the application thread, after those posted before; dropped when this value
     /// dies first. The first one is traced. While 10 000 wait, the caller waits for up to a second.
@@ -285,12 +310,15 @@ private:
     Rare &rare();
     void updateRecordingFlags();
     void executeAll(const std::vector<std::unique_ptr<KELM::ICommand>> &commands);
+    void endTransactions(const std::vector<std::unique_ptr<KELM::ICommand>> &commands,
+                         std::size_t next);
     void releaseCommands();
     int startTimer(unsigned int milliseconds);
     NotifyDistinction &handOver();
     void notifyHere(TChangeCode code, IObserver *source);
     [[noreturn]] void failWrongThread(TChangeCode code) const;
     [[noreturn]] static void failAssign(const ValueBase &other);
+    void postAssign(const ValueBase &other);
     bool closeUndoBracket(TChangeCode code);
     friend class NotifyDistinction;
     void NotificationEnded() override;

@@ -1,5 +1,6 @@
 // Recorded commands and command strings.
 #include "platform/base/bytes.h"
+#include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
 #include "valueclasses/commands/commandfield_p.h"
 #include "valueclasses/commands/commandlistoptimizer.h"
@@ -57,6 +58,10 @@ void ValueBase::SuspendCommandRecordingForTransmission(bool suspend)
 void ValueBase::RecordCommand(Command *command)
 {
     std::unique_ptr<Command> own(command);
+    if (isForeignThread()) // recording came to be wanted while the change was on its way
+        return PostChange([this, posted = std::shared_ptr<Command>(std::move(own))] {
+            RecordCommand(posted->Clone());
+        });
     std::unique_ptr<Command> second;
     if (IsCommandRecording() && IsCommandRecordingForTransmission())
         second.reset(command->Clone());
@@ -173,8 +178,37 @@ void ValueBase::SetCommandString(const std::string &commands, IObserver *source,
 void ValueBase::executeAll(const std::vector<std::unique_ptr<KELM::ICommand>> &commands)
 {
     const LifeWatch watch(this);
-    for (auto command = commands.begin(); command != commands.end() && !watch.IsGone(); ++command)
-        (*command)->Execute();
+    std::size_t next = 0;
+    try {
+        while (next < commands.size() && !watch.IsGone())
+            commands[next++]->Execute();
+    } catch (...) {
+        if (!watch.IsGone())
+            endTransactions(commands, next);
+        throw;
+    }
+}
+
+/// Of commands that aren't executed from \a next on, the ends of the transactions that have begun:
+/// without them this value would notify nobody any more.
+void ValueBase::endTransactions(const std::vector<std::unique_ptr<KELM::ICommand>> &commands,
+                                std::size_t next)
+{
+    const LifeWatch watch(this);
+    for (int notBegun = 0; next < commands.size() && !watch.IsGone(); ++next) {
+        const int id = commands[next]->GetCommandId();
+        if (id == CommandStartTransaction::kId)
+            ++notBegun;
+        if (id != CommandEndTransaction::kId || notBegun-- > 0)
+            continue;
+        notBegun = 0;
+        try {
+            commands[next]->Execute();
+        } catch (const std::exception &error) { // the first one is on its way
+            SPECTREE_TRACE(TraceWarnings, QStringLiteral("The end of a transaction failed: %1")
+                                              .arg(QString::fromUtf8(error.what())));
+        }
+    }
 }
 
 int ValueBase::ExtractCommandId(const char *position)

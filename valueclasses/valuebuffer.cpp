@@ -19,11 +19,11 @@ ValueBuffer &ValueBuffer::operator=(const ValueBuffer &other)
 {
     if (this == &other)
         return *this;
-    ValueBase::operator=(other);
     if (other.m_buffer != nullptr)
         store(other.m_buffer.get(), other.m_size);
     else
         m_size = 0;
+    ValueBase::operator=(other); // last, for it may tell somebody who deletes this value
     return *this;
 }
 
@@ -66,7 +66,12 @@ QString ValueBuffer::GetStringValue() const
     return m_buffer != nullptr ? QString::fromLatin1(m_buffer.get(), m_size) : QString();
 }
 
-void ValueBuffer::Assign(const ValueBase &other) { *this = CastForAssign<ValueBuffer>(other); }
+void ValueBuffer::Assign(const ValueBase &other)
+{
+    const auto &same = CastForAssign<ValueBuffer>(other);
+    if (!PostAssignIfForeign(same))
+        *this = same;
+}
 
 bool ValueBuffer::Compare(const ValueBase *other) const
 {

@@ -12,21 +12,11 @@
 
 namespace values {
 
-/// Two numbers that are NaN are equal, so that such an element is found again.
-template <typename T>
-bool isSameElement(const T &left, const T &right)
-{
-    if constexpr (std::is_floating_point_v<T>)
-        if (left != left && right != right)
-            return true;
-    return left == right;
-}
-
 template <typename Items, typename T>
 auto findElement(Items &items, const T &wanted)
 {
     return std::find_if(items.begin(), items.end(),
-                        [&](const T &item) { return isSameElement(item, wanted); });
+                        [&](const T &item) { return Sequence::isSame(item, wanted); });
 }
 
 template <typename T, typename F, typename S>
@@ -272,14 +262,12 @@ template <typename T, typename F, typename S>
 void ValueList<T, F, S>::Assign(const ValueBase &other)
 {
     const auto &list = CastForAssign<ValueList>(other);
-    // The other's undo manager comes with it. The copy goes where it is used: the poster may be the
-    // last to drop the change, and no value may end on its thread.
-    if (IsChangeForeign() || list.IsChangeForeign())
-        return PostChange([this, copy = std::make_shared<ValueList>(list)]() mutable {
-            const auto own = std::move(copy);
-            Assign(*own);
-        });
-    ValueBase::operator=(other);
+    if (PostAssignIfForeign(list))
+        return;
+    const LifeWatch own(this), theirs(const_cast<ValueList *>(&list));
+    ValueBase::operator=(other); // its undo manager comes with it
+    if (own.IsGone() || theirs.IsGone())
+        return;
     m_lastIndex = -1;
     m_lastItem = T{};
     replaceItems(list.m_items, nullptr);
@@ -295,7 +283,7 @@ bool ValueList<T, F, S>::Compare(const ValueBase *other) const
     const auto &list = static_cast<const ValueList &>(*other);
     return list.GetName() == GetName() &&
            std::equal(m_items.begin(), m_items.end(), list.m_items.begin(), list.m_items.end(),
-                      isSameElement<T>);
+                      Sequence::isSame<T>);
 }
 
 template <typename T, typename F, typename S>

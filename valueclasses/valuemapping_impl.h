@@ -216,8 +216,12 @@ template <typename Y, typename YHandler>
 requires SampleHandler<YHandler, Y>
 void ValueMap<Y, YHandler>::HasChanged(TChangeCode code, IObserver *source)
 {
+    if (this->PostIfForeign([this, code, source] { HasChanged(code, source); }))
+        return;
+    const LifeWatch watch(this);
     stampChange(code);
-    ValueBase::HasChanged(code, source);
+    if (!watch.IsGone())
+        ValueBase::HasChanged(code, source);
 }
 
 template <typename Y, typename YHandler>

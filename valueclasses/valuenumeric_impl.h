@@ -286,11 +286,13 @@ template <typename T, typename F, typename S>
 void ValueNumeric<T, F, S>::Assign(const ValueBase &other)
 {
     const auto &same = ValueBase::CastForAssign<ValueNumeric>(other);
-    Base::Assign(other);
+    if (this->PostAssignIfForeign(same))
+        return;
     m_min = same.m_min;
     m_max = same.m_max;
     m_step = same.m_step;
     m_changingValue = same.m_changingValue;
+    Base::Assign(other);
 }
 
 template <typename T, typename F, typename S>

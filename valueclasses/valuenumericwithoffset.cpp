@@ -78,7 +78,9 @@ void ValueNumericWithOffset<T, F, S>::SetOffsetMinMax_KeepValueInRange(T offset,
                                                                        T maximum, T step,
                                                                        IObserver *source)
 {
-    if (this->PostIfForeign([=, this] {
+    const auto isNaN = [](T number) { return std::isnan(number); };
+    if (!std::isfinite(offset) || isNaN(minimum) || isNaN(maximum) || isNaN(step) ||
+        this->PostIfForeign([=, this] {
             SetOffsetMinMax_KeepValueInRange(offset, minimum, maximum, step, source);
         }))
         return;
@@ -110,8 +112,10 @@ template <typename T, typename F, typename S>
 void ValueNumericWithOffset<T, F, S>::Assign(const ValueBase &other)
 {
     const auto &same = ValueBase::CastForAssign<ValueNumericWithOffset>(other);
-    Base::Assign(other);
+    if (this->PostAssignIfForeign(same))
+        return;
     m_offset = same.m_offset;
+    Base::Assign(other);
 }
 
 template <typename T, typename F, typename S>

@@ -24,8 +24,8 @@ ValueSelection &ValueSelection::operator=(const ValueSelection &other)
 {
     if (this == &other)
         return *this;
-    ValueBase::operator=(other);
     copyItems(other);
+    ValueBase::operator=(other); // last, for it may tell somebody who deletes this value
     return *this;
 }
 
@@ -46,7 +46,9 @@ QString ValueSelection::GetTypeName() const { return QStringLiteral("ValueSelect
 
 void ValueSelection::Assign(const ValueBase &other)
 {
-    ValueSelection::operator=(CastForAssign<ValueSelection>(other));
+    const auto &selection = CastForAssign<ValueSelection>(other);
+    if (!PostAssignIfForeign(selection))
+        ValueSelection::operator=(selection);
 }
 
 bool ValueSelection::Compare(const ValueBase *other) const

@@ -136,9 +136,9 @@ void ValueSelection::AddItem(SelectionItem *item, IObserver *source)
     std::unique_ptr<SelectionItem> own(item);
     if (own == nullptr)
         return;
-    if (PostIfForeign(
-            [this, posted = *own, source] { AddItem(new SelectionItem(posted), source); }))
-        return;
+    if (IsChangeForeign())
+        return PostChange(
+            [this, posted = *own, source] { AddItem(new SelectionItem(posted), source); });
     insertItem(GetItemCount(), std::move(own), source);
 }
 
@@ -149,7 +149,9 @@ void ValueSelection::AddItemsFrom(const ValueSelection &other, IObserver *source
 
 void ValueSelection::AppendItems(const std::vector<SelectionItem> &items, IObserver *source)
 {
-    if (PostIfForeign([this, items, source] { AppendItems(items, source); }) || items.empty())
+    if (IsChangeForeign())
+        return PostChange([this, items, source] { AppendItems(items, source); });
+    if (items.empty())
         return;
     const ValueTransaction transaction(*this, CC_ITEM_ADDED, source);
     for (auto item = items.begin(); item != items.end() && transaction.IsValid(); ++item)
@@ -159,8 +161,8 @@ void ValueSelection::AppendItems(const std::vector<SelectionItem> &items, IObser
 void ValueSelection::ReplaceItems(const std::vector<SelectionItem> &items, Kelm::Long chosen,
                                   IObserver *source)
 {
-    if (PostIfForeign([this, items, chosen, source] { ReplaceItems(items, chosen, source); }))
-        return;
+    if (IsChangeForeign())
+        return PostChange([this, items, chosen, source] { ReplaceItems(items, chosen, source); });
     const ValueTransaction transaction(*this, CC_LIST_REPLACED, source);
     if (transaction.IsValid())
         DeleteItems(source);

@@ -169,7 +169,11 @@ QString ValueStream<T>::GetStringValueReadable() const
 template <typename T>
 void ValueStream<T>::Assign(const ValueBase &other)
 {
-    *this = CastForAssign<ValueStream>(other);
+    const auto &same = CastForAssign<ValueStream>(other);
+    if (PostAssignIfForeign(same))
+        return;
+    m_data = same.m_data;
+    ValueBase::operator=(other); // last, for it may tell somebody who deletes this value
 }
 
 template <typename T>

@@ -1,5 +1,7 @@
 #include "valueclasses/valuetransaction.h"
 
+#include "platform/base/errorhandler.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -43,7 +45,15 @@ ValueTransaction &ValueTransaction::operator=(ValueTransaction &&other)
     return *this;
 }
 
-ValueTransaction::~ValueTransaction() { close(); }
+ValueTransaction::~ValueTransaction()
+{
+    try {
+        close();
+    } catch (const std::exception &error) {
+        SPECTREE_TRACE(TraceWarnings, QStringLiteral("The end of a transaction failed: %1")
+                                          .arg(QString::fromUtf8(error.what())));
+    }
+}
 
 void ValueTransaction::AddChangeCode(TChangeCode code)
 {

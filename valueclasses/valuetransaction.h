@@ -11,7 +11,8 @@ namespace values {
 /// Keeps one transaction open for as long as it lives.
 ///
 /// The end notifies with the first code that isn't CC_NONE; the others follow, one notification
-/// each, through the target's own NotifyObservers. A guard ends on its own thread; a target that
+/// each, through the target's own NotifyObservers; what an observer throws at the destruction of a
+/// guard is traced. A guard ends on its own thread; a target that
 /// is destroyed there before leaves it empty, one that lives elsewhere must outlive it.
 class SPECTREE_EXPORT ValueTransaction {
 public:

@@ -115,15 +115,12 @@ template <typename T, typename F, typename S>
 void ValueVector<T, F, S>::Assign(const ValueBase &other)
 {
     const auto &vector = CastForAssign<ValueVector>(other);
-    // The other's undo manager comes with it. The copy goes where it is used: the poster may be the
-    // last to drop the change, and no value may end on its thread.
-    if (IsChangeForeign() || vector.IsChangeForeign())
-        return PostChange([this, copy = std::make_shared<ValueVector>(vector)]() mutable {
-            const auto own = std::move(copy);
-            Assign(*own);
-        });
-    ValueBase::operator=(other);
-    replaceItems(vector.m_items, nullptr);
+    if (PostAssignIfForeign(vector))
+        return;
+    const LifeWatch own(this), theirs(const_cast<ValueVector *>(&vector));
+    ValueBase::operator=(other); // its undo manager comes with it
+    if (!own.IsGone() && !theirs.IsGone())
+        replaceItems(vector.m_items, nullptr);
 }
 
 template <typename T, typename F, typename S>
@@ -134,7 +131,9 @@ bool ValueVector<T, F, S>::Compare(const ValueBase *other) const
     if (typeid(*other) != typeid(*this))
         return false;
     const auto &vector = static_cast<const ValueVector &>(*other);
-    return vector.GetName() == GetName() && vector.m_items == m_items;
+    return vector.GetName() == GetName() &&
+           std::equal(m_items.begin(), m_items.end(), vector.m_items.begin(), vector.m_items.end(),
+                      Sequence::isSame<T>);
 }
 
 template <typename T, typename F, typename S>

@@ -35,6 +35,9 @@ void noteAppThread()
 }
 Q_COREAPP_STARTUP_FUNCTION(noteAppThread)
 
+/// Before the library's own static objects go, on whatever thread that closes it.
+[[gnu::destructor]] void noteUnloading() { Kelm::setUnloading(true); }
+
 class Platform final : public IKelmOS {
 public:
     bool IsAppThread() const override

@@ -7,7 +7,7 @@
 #include <exception>
 #include <string>
 
-/// The error that every failing operation throws. The reason is a fixed English text.
+/// The error that every failing operation throws. The reason is an English sentence.
 class SPECTREE_EXPORT KRException : public std::exception {
 public:
     KRException(const QString &reason, const char *file, const char *className,

@@ -134,7 +134,8 @@ ValueBase::CommandSetValueDescriptor::CommandSetValueDescriptor(ValueBase *value
     const auto key =
         readField<QString>(pos, mode, kUnexpectedFormat, "ValueBase::CommandSetValueDescriptor",
                            "CommandSetValueDescriptor");
-    if (const IValueDescriptorMap *known = IValueDescriptorMap::Instance())
+    if (const IValueDescriptorMap *known = IValueDescriptorMap::Instance();
+        known != nullptr && !key.isEmpty())
         m_descriptor = known->Find(key);
 }
 

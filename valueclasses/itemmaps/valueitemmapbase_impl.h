@@ -39,14 +39,14 @@ requires ItemFormat<F, T>
 void ValueItemMapBase<T, F, A>::Assign(const ValueBase &other)
 {
     const auto &map = CastForAssign<ValueItemMapBase>(other);
-    ValueBase::operator=(other);
-    if (&map == this)
+    if (&map == this || PostAssignIfForeign(map))
         return;
     if (!m_items.empty())
         LogChange(valueitemmap::MapCleared, GetInvalidKey());
     m_items = map.m_items;
     for (const auto &entry : m_items)
         LogChange(valueitemmap::ItemSet, entry.first);
+    ValueBase::operator=(other); // last, for it may tell somebody who deletes this value
 }
 
 template <typename T, typename F, typename A>

@@ -50,10 +50,12 @@ template <typename Item, typename Format, typename Adapter, bool Exclusive>
 void ValueMultiSelection<Item, Format, Adapter, Exclusive>::Assign(const ValueBase &other)
 {
     const auto &same = this->template CastForAssign<ValueMultiSelection>(other);
-    Base::Assign(other);
+    if (this->PostAssignIfForeign(same))
+        return;
     m_allowEmpty = same.m_allowEmpty;
     m_emptyText = same.m_emptyText;
     m_multiSelectedText = same.m_multiSelectedText;
+    Base::Assign(other);
 }
 
 template <typename Item, typename Format, typename Adapter, bool Exclusive>

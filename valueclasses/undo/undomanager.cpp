@@ -82,10 +82,10 @@ std::optional<std::size_t> UndoManager::find(const CommandPredicate &predicate) 
         });
         return found != open.rend() ? std::optional(*found) : std::nullopt;
     }
-    for (std::size_t position = commands.size(); position-- > 0;)
-        if (predicate(*commands[position]))
-            return position;
-    return std::nullopt;
+    const auto found = std::find_if(commands.begin(), commands.end(),
+                                    [&](const auto &command) { return predicate(*command); });
+    return found != commands.end() ? std::optional(std::size_t(found - commands.begin()))
+                                   : std::nullopt;
 }
 
 void UndoManager::closeBracket(std::size_t position)

@@ -51,7 +51,8 @@ public:
     bool OpenNewUndoStack(const QString &description);
     /// Without an open stack, or while undo runs, \a command is dropped.
     bool AddUndoCommand(KELM::ICommand *command) override;
-    /// Searches the open stack from its end.
+    /// Both take the first command of the open stack for which \a predicate holds; of the brackets
+    /// of one value the innermost.
     bool ReplaceUndoCommand_If(CommandPredicate *predicate, KELM::ICommand *command) override;
     bool RemoveUndoCommand_If(CommandPredicate *predicate) override;
     /// Keeps the open stack unless it is empty. While a transaction that began in it is open it
