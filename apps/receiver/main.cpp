@@ -57,6 +57,10 @@ int serve(const Options &options)
     QObject::connect(feeder.get(), &Feeder::ended, qApp, [] {
         note(QStringLiteral("the input has ended; serving what is there until SIGINT or SIGTERM."));
     });
+    QObject::connect(feeder.get(), &Feeder::gapSkipped, qApp, [] {
+        note(QStringLiteral("the times of the input jump ahead by more than an hour: such gaps are "
+                            "not waited for."));
+    });
     QObject::connect(feeder.get(), &Feeder::failed, qApp, [](const QString &sentence) {
         note(sentence);
         QCoreApplication::exit(Failure::Runtime);
