@@ -1,5 +1,4 @@
 #include "apps/receiver/feeder.h"
-#include "apps/receiver/terminationsignals.h"
 #include "tests/apps/inputtools.h"
 
 #include <QCoreApplication>
@@ -7,7 +6,6 @@
 #include <QElapsedTimer>
 #include <QSignalSpy>
 
-#include <csignal>
 #include <thread>
 
 using namespace receiver;
@@ -183,15 +181,4 @@ TEST(Feeder, TellsOfAnInputThatFailsOrHasNothing)
     ASSERT_EQ(broken.failed.count(), 1);
     EXPECT_EQ(broken.failed[0][0].toString(), QStringLiteral("the disk is gone"));
     EXPECT_EQ(broken.stored.scans.size(), 1u);
-}
-
-TEST(TerminationSignals, BecomeAQtSignal)
-{
-    for (const int signal : {SIGTERM, SIGINT}) {
-        TerminationSignals signals;
-        QSignalSpy caught(&signals, &TerminationSignals::caught);
-        std::raise(signal);
-        EXPECT_EQ(caught.count(), 0) << "not inside the handler";
-        EXPECT_TRUE(waitFor([&] { return caught.count() == 1; }));
-    }
 }
