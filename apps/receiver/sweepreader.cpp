@@ -99,6 +99,24 @@ bool holdsNumber(std::string_view line)
     return false;
 }
 
+/// Microseconds since 1970 UTC of a local time in whole seconds.
+std::optional<KRTimeStamp> parseSecond(std::string_view stamp)
+{
+    std::string_view rest = stamp, date, time;
+    if (!nextField(rest, date) || !nextField(rest, time))
+        return std::nullopt;
+    const auto text = [](std::string_view s) {
+        return QString::fromLatin1(s.data(), int(s.size()));
+    };
+    const QDate day = QDate::fromString(text(date), Qt::ISODate);
+    const QTime clock = QTime::fromString(text(time), Qt::ISODate);
+    if (!day.isValid() || !clock.isValid())
+        return std::nullopt;
+    // Below 0 is a clock that was never set, read further east.
+    const qint64 milliseconds = QDateTime(day, clock, Qt::LocalTime).toMSecsSinceEpoch();
+    return KRTimeStamp(std::max<qint64>(milliseconds, 0)) * 1000;
+}
+
 } // namespace
 
 const char *parseSweepRow(std::string_view line, SweepRow &row)
@@ -122,26 +140,18 @@ const char *parseSweepRow(std::string_view line, SweepRow &row)
     return row.values.empty() ? "it has no levels" : "";
 }
 
-std::optional<KRTimeStamp> parseSweepStamp(std::string_view stamp)
+std::optional<KRTimeStamp> SweepStamps::read(std::string_view stamp)
 {
-    std::string_view rest = stamp, date, time;
-    if (!nextField(rest, date) || !nextField(rest, time))
-        return std::nullopt;
-    const auto dot = time.find('.');
-    const auto text = [](std::string_view s) {
-        return QString::fromLatin1(s.data(), int(s.size()));
-    };
-    const QDate day = QDate::fromString(text(date), Qt::ISODate);
-    const QTime clock = QTime::fromString(text(time.substr(0, dot)), Qt::ISODate);
-    if (!day.isValid() || !clock.isValid())
-        return std::nullopt;
+    const auto dot = std::min(stamp.find('.'), stamp.size());
+    if (const auto second = stamp.substr(0, dot); second != m_second) {
+        m_second = second;
+        m_time = parseSecond(second);
+    }
     double fraction = 0;
-    if (dot != std::string_view::npos && !(parseNumber(time.substr(dot), fraction) && fraction < 1))
+    if (dot < stamp.size() && !(parseNumber(stamp.substr(dot), fraction) && fraction < 1))
         return std::nullopt;
-    const qint64 milliseconds = QDateTime(day, clock, Qt::LocalTime).toMSecsSinceEpoch();
-    if (milliseconds < 0) // a clock that was never set, read further east
-        return 0;
-    return KRTimeStamp(milliseconds) * 1000 + KRTimeStamp(std::llround(fraction * 1e6));
+    return m_time ? std::optional(*m_time + KRTimeStamp(std::llround(fraction * 1e6)))
+                  : std::nullopt;
 }
 
 SweepReader::SweepReader(std::unique_ptr<QIODevice> device, const QString &name,
@@ -303,11 +313,11 @@ const char *SweepReader::parseLine()
     const char *const wrong = parseSweepRow(m_line, m_row);
     if (*wrong)
         return wrong;
-    if (m_row.stamp != m_stamp) {
-        m_stamp = m_row.stamp;
-        m_time = parseSweepStamp(m_stamp);
-    }
-    return m_time ? "" : "its date and time can't be read";
+    const auto time = m_stamps.read(m_row.stamp);
+    if (!time)
+        return "its date and time can't be read";
+    m_time = *time;
+    return "";
 }
 
 bool SweepReader::nextRow()
@@ -355,7 +365,7 @@ bool SweepReader::read(Scan &scan)
     m_rowPending = false;
     ++m_sweep;
     m_sweepStamp = m_row.stamp;
-    scan.time = *m_time;
+    scan.time = m_time;
     scan.directions.clear();
     scan.levels.assign(m_channels, kNoValue);
     put(hopOfRow(), scan);

@@ -32,9 +32,18 @@ struct SweepRow {
 /// an empty text. Never throws.
 const char *parseSweepRow(std::string_view line, SweepRow &row);
 
-/// Microseconds since 1970 UTC of "2026-11-21, 10:00:00.5", read as local time, 0 for what lies
-/// before; nullopt when it is no date and time.
-std::optional<KRTimeStamp> parseSweepStamp(std::string_view stamp);
+/// Reads the stamps of a file, of which most repeat the second of the one before: to look up the
+/// local time of each would take ten times as long as to read its line.
+class SweepStamps {
+public:
+    /// Microseconds since 1970 UTC of "2026-11-21, 10:00:00.5", read as local time, 0 for what lies
+    /// before; nullopt when it is no date and time.
+    std::optional<KRTimeStamp> read(std::string_view stamp);
+
+private:
+    std::string m_second; // the last stamp up to its fraction
+    std::optional<KRTimeStamp> m_time;
+};
 
 /// Sweep files of rtl_power and hackrf_sweep, and of writers that imitate them.
 ///
@@ -102,9 +111,9 @@ private:
     std::uint64_t m_broken = 0;
     std::vector<QString> m_brokenNotes; // of the first few
     SweepRow m_row;
-    std::string m_stamp;               // the last one that was read: most lines repeat it
-    std::optional<KRTimeStamp> m_time; // of m_stamp
-    bool m_rowPending = false;         // m_row belongs to the sweep that comes next
+    SweepStamps m_stamps;
+    KRTimeStamp m_time = 0;    // of m_row
+    bool m_rowPending = false; // m_row belongs to the sweep that comes next
     std::string m_sweepStamp;
     std::uint64_t m_sweep = 0;
 };

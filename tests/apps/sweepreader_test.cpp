@@ -306,6 +306,7 @@ TEST(SweepReader, ReadsLocalTimesToTheMicrosecond)
         {"1970-01-01, 00:00:07", 0}, // a clock that was never set, further west
         {"1970-01-02, 01:00:00", 86400000000u},
         {"2026-06-15, 13:48:13.555047", 1781524093555047u},
+        {"2026-06-15, 13:48:13.6", 1781524093600000u},
         {"2026-11-21,10:00:00", 1795251600000000u},
         {"2026-13-21, 10:00:00", std::nullopt},
         {"2026-11-21, 25:00:00", std::nullopt},
@@ -313,8 +314,9 @@ TEST(SweepReader, ReadsLocalTimesToTheMicrosecond)
         {"2026-11-21, 10:00:00.1e30", std::nullopt},
         {"", std::nullopt},
     };
+    SweepStamps stamps;
     for (const auto &c : cases)
-        EXPECT_EQ(parseSweepStamp(c.stamp), c.expected) << c.stamp;
+        EXPECT_EQ(stamps.read(c.stamp), c.expected) << c.stamp;
     qunsetenv("TZ");
     tzset();
 }
