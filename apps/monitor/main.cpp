@@ -1,4 +1,5 @@
 #include "apps/common/program.h"
+#include "apps/common/terminationsignals.h"
 #include "apps/monitor/axisticks.h"
 #include "apps/monitor/options.h"
 #include "apps/monitor/report.h"
@@ -7,13 +8,8 @@
 #include <QBuffer>
 #include <QFileInfo>
 #include <QGuiApplication>
-#include <QSocketNotifier>
 
-#include <csignal>
-#include <cstdio>
 #include <memory>
-#include <sys/signalfd.h>
-#include <unistd.h>
 
 using namespace monitor;
 using apps::Failure;
@@ -22,65 +18,51 @@ using apps::printLine;
 namespace {
 
 /// A long run whose end can't be written is noticed before it begins.
-void checkFolder(const QString &path)
+void checkPath(const QString &path)
 {
-    const QFileInfo folder(QFileInfo(path).absolutePath());
-    if (path.isEmpty() || path == QLatin1String("-") || (folder.isDir() && folder.isWritable()))
+    const QFileInfo file(path), folder(file.absolutePath());
+    if (path.isEmpty() || path == QLatin1String("-"))
+        return;
+    if (file.isDir())
+        throw Failure(
+            Failure::Runtime,
+            QStringLiteral("Cannot write \"%1\": it is a folder; name a file.").arg(path));
+    if (folder.isDir() && folder.isWritable())
         return;
     throw Failure(Failure::Runtime, QStringLiteral("Cannot write \"%1\": its folder does not exist "
                                                    "or may not be written to.")
                                         .arg(path));
 }
 
-/// SIGINT and SIGTERM end the run early; what was seen is written.
-sigset_t endSignals()
-{
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGINT);
-    sigaddset(&signals, SIGTERM);
-    return signals;
-}
-
-void stopOnSignals(Session &session)
-{
-    const sigset_t signals = endSignals();
-    const int descriptor = signalfd(-1, &signals, SFD_CLOEXEC);
-    if (descriptor < 0)
-        return;
-    auto *notifier = new QSocketNotifier(descriptor, QSocketNotifier::Read, &session);
-    QObject::connect(notifier, &QSocketNotifier::activated, &session, [&session, notifier] {
-        notifier->setEnabled(false);
-        session.stop();
-    });
-}
-
-void writePicture(const Session &session, const Options &options)
+/// What went wrong, or an empty text.
+QString writePicture(const Session &session, const Options &options)
 {
     const QImage image = paintPicture(session.display(), session.caption(), options.size);
     QByteArray png;
     QBuffer buffer(&png);
     buffer.open(QIODevice::WriteOnly);
     if (image.isNull() || !image.save(&buffer, "PNG"))
-        throw Failure(Failure::Runtime,
-                      QStringLiteral("A picture of %1 x %2 pixels cannot be made; ask for a "
-                                     "smaller one.")
-                          .arg(options.size.width())
-                          .arg(options.size.height()));
-    if (const QString error = writeFile(options.pngFile, png); !error.isEmpty())
-        throw Failure(Failure::Runtime, error);
+        return QStringLiteral("A picture of %1 x %2 pixels cannot be made; ask for a smaller one.")
+            .arg(options.size.width())
+            .arg(options.size.height());
+    return writeFile(options.pngFile, png);
 }
 
-void writeResults(const Session &session, const Options &options)
+/// Writes each file, whatever becomes of the other; what went wrong. The report goes first: a large
+/// picture takes long.
+QStringList writeFiles(const Session &session, const Report &report, const Options &options)
 {
-    if (!options.pngFile.isEmpty())
-        writePicture(session, options);
-    const Report report = session.report();
+    QStringList errors;
     if (!options.jsonFile.isEmpty())
-        if (const QString error = writeFile(options.jsonFile, toJson(report)); !error.isEmpty())
-            throw Failure(Failure::Runtime, error);
-    if (options.quiet)
-        return;
+        errors << writeFile(options.jsonFile, toJson(report));
+    if (!options.pngFile.isEmpty())
+        errors << writePicture(session, options);
+    errors.removeAll(QString());
+    return errors;
+}
+
+void tellResults(const Report &report)
+{
     QString text = QStringLiteral("%1 of %2, %3 lost")
                        .arg(countText(report.lines, "line"), countText(report.channels, "channel"),
                             countText(report.lostMessages, "message"));
@@ -93,10 +75,12 @@ void writeResults(const Session &session, const Options &options)
 
 int run(const Options &options)
 {
-    checkFolder(options.pngFile);
-    checkFolder(options.jsonFile);
+    checkPath(options.pngFile);
+    checkPath(options.jsonFile);
+    const apps::TerminationSignals terminationSignals;
     Session session(options);
-    stopOnSignals(session);
+    QObject::connect(&terminationSignals, &apps::TerminationSignals::caught, &session,
+                     &Session::stop);
     if (!options.quiet)
         QObject::connect(&session, &Session::progress, &session,
                          [](const QString &sentence) { printLine(stderr, sentence); });
@@ -104,10 +88,17 @@ int run(const Options &options)
                      Qt::QueuedConnection);
     session.start();
     QCoreApplication::exec();
-    if (session.hasData())
-        writeResults(session, options);
+    QStringList errors;
+    if (session.hasData()) {
+        const Report report = session.report();
+        errors = writeFiles(session, report, options);
+        if (!options.quiet)
+            tellResults(report);
+    }
     if (session.failure())
-        throw *session.failure();
+        errors << session.failure()->sentence();
+    if (!errors.isEmpty())
+        throw Failure(Failure::Runtime, errors.join(QLatin1Char(' ')));
     return 0;
 }
 
@@ -129,9 +120,6 @@ std::unique_ptr<QGuiApplication> makeApplication(int &argc, char **argv)
 
 int main(int argc, char **argv)
 {
-    // Threads inherit the mask: one that ZeroMQ starts must not take the signals instead.
-    const sigset_t signals = endSignals();
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     // Pictures are painted without a screen, whatever the machine has.
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const auto application = makeApplication(argc, argv);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace receiver {
 
@@ -12,6 +13,7 @@ namespace {
 constexpr int kSettleMs = 300;
 constexpr qint64 kBatchNs = 4000000; // then the event loop has its turn
 constexpr double kMostLateMicroseconds = 1e6;
+constexpr double kLongestGapMicroseconds = 3.6e9;
 constexpr double kLongestNapMicroseconds = 6e7; // a timer counts in 32-bit milliseconds
 
 } // namespace
@@ -50,7 +52,6 @@ void Feeder::begin()
 {
     m_waiting = false;
     m_clock.start();
-    Q_EMIT started();
     m_timer.start(0);
 }
 
@@ -102,13 +103,17 @@ double Feeder::microsecondsUntilDue()
         m_baseTime = m_time;
         m_baseClock = now;
     }
-    const double due = m_baseClock + double(m_time - m_baseTime) / m_plan.speed;
-    if (now - due > kMostLateMicroseconds) {
+    const double left = m_baseClock + double(m_time - m_baseTime) / m_plan.speed - now;
+    // At a low speed a wait may well take more than an hour: its gap does not.
+    const bool gap = left * std::min(m_plan.speed, 1.0) > kLongestGapMicroseconds;
+    if (gap && !std::exchange(m_gapTold, true))
+        Q_EMIT gapSkipped();
+    if (gap || -left > kMostLateMicroseconds) {
         m_baseTime = m_time;
         m_baseClock = now;
         return 0;
     }
-    return std::clamp(due - now, 0.0, kLongestNapMicroseconds);
+    return std::clamp(left, 0.0, kLongestNapMicroseconds);
 }
 
 } // namespace receiver

@@ -23,7 +23,8 @@ struct FeedPlan {
 /// for long.
 ///
 /// A window asks for its kinds of data one after the other: waiting ends when none was asked for
-/// during 300 ms. What is late by more than a second (a suspended process) isn't made up for.
+/// during 300 ms. What is late by more than a second (a suspended process) isn't made up for, and a
+/// gap of more than an hour isn't waited for: often the clock of the recording was set in it.
 class Feeder : public QObject {
     Q_OBJECT
 
@@ -37,10 +38,10 @@ public:
     bool isWaiting() const { return m_waiting; }
 
 Q_SIGNALS:
-    /// The first window is there and scans begin to flow.
-    void started();
     /// The input has ended, after the last scan was stored. Not with loop.
     void ended();
+    /// The stamps have a gap that isn't waited for; told for the first one only.
+    void gapSkipped();
     /// Reading the input failed; nothing more is fed.
     void failed(const QString &sentence);
 
@@ -62,6 +63,7 @@ private:
     KRTimeStamp m_time = 0;  // of m_scan
     bool m_haveScan = false; // m_scan is read and not yet stored
     bool m_waiting = false;
+    bool m_gapTold = false;
     KRTimeStamp m_baseTime = 0; // the stamp that was due at m_baseClock
     double m_baseClock = 0;     // microseconds of m_clock
     std::uint64_t m_scans = 0;

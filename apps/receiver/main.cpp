@@ -1,8 +1,8 @@
 #include "apps/common/program.h"
+#include "apps/common/terminationsignals.h"
 #include "apps/receiver/feeder.h"
 #include "apps/receiver/inputs.h"
 #include "apps/receiver/serverconfig.h"
-#include "apps/receiver/terminationsignals.h"
 #include "platform/base/krexception.h"
 
 #include <QCoreApplication>
@@ -50,12 +50,16 @@ void reportProgress(QTimer &timer, const Feeder &feeder)
 
 int serve(const Options &options)
 {
-    const TerminationSignals terminationSignals;
-    QObject::connect(&terminationSignals, &TerminationSignals::caught, qApp,
+    const apps::TerminationSignals terminationSignals;
+    QObject::connect(&terminationSignals, &apps::TerminationSignals::caught, qApp,
                      &QCoreApplication::quit);
     const auto feeder = makeFeeder(options);
     QObject::connect(feeder.get(), &Feeder::ended, qApp, [] {
         note(QStringLiteral("the input has ended; serving what is there until SIGINT or SIGTERM."));
+    });
+    QObject::connect(feeder.get(), &Feeder::gapSkipped, qApp, [] {
+        note(QStringLiteral("the times of the input jump ahead by more than an hour: such gaps are "
+                            "not waited for."));
     });
     QObject::connect(feeder.get(), &Feeder::failed, qApp, [](const QString &sentence) {
         note(sentence);

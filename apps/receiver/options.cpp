@@ -162,7 +162,7 @@ FrequencyRange readRange(const CommandLine &line, const QString &text, InputKind
                     (numbers.size() < 3 || numbers[2] > 0);
     if (!ok)
         throw line.usage(
-            QStringLiteral("--ranges \"%1\" is not START:STOP in Hz with START below STOP "
+            QStringLiteral("--ranges \"%1\" is not START:STOP in Hz with START not above STOP "
                            "(a STEP behind them is for sim: only).")
                 .arg(text));
     return {numbers[0], numbers[1], numbers.size() == 3 ? numbers[2] : 0};

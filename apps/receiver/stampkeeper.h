@@ -11,7 +11,7 @@ namespace receiver {
 ///
 /// A stamp that repeats (a clock with whole seconds) is put one microsecond behind the last one. A
 /// stamp that steps back (a loop, the end of summer time) moves itself and all that follow to one
-/// usual interval behind the last one.
+/// usual interval behind the last one. A gap of more than an hour is no usual interval.
 class StampKeeper {
 public:
     /// \a interval in microseconds is used until the stamps tell one.
@@ -29,7 +29,7 @@ public:
         } else {
             if (recorded < m_recorded)
                 m_shift = m_last + m_interval - recorded;
-            else
+            else if (recorded - m_recorded <= kLongestInterval)
                 m_interval = recorded - m_recorded;
             m_last = std::max(recorded + m_shift, m_last + 1);
         }
@@ -41,6 +41,8 @@ public:
     void restart() { m_recorded = ~KRTimeStamp(0); }
 
 private:
+    static constexpr KRTimeStamp kLongestInterval = 3600000000; // an hour
+
     KRTimeStamp m_interval;
     KRTimeStamp m_last = 0, m_recorded = 0;
     KRTimeStamp m_shift = 0; // added to recorded stamps, modulo 2^64

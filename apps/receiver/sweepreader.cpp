@@ -74,6 +74,12 @@ bool parseFrequency(std::string_view text, double &frequency)
 
 bool equalLevels(float a, float b) { return a == b || (std::isnan(a) && std::isnan(b)); }
 
+/// Values that the frequencies of the row ask for.
+double expectedLevels(const SweepRow &row)
+{
+    return std::max(1.0, std::round((row.high - row.low) / row.step));
+}
+
 /// hackrf_sweep writes a quarter of its transform's width a line; rtl_power's sample count has
 /// nothing to do with the width.
 BinPlace binPlaceOf(const SweepRow &row)
@@ -83,10 +89,32 @@ BinPlace binPlaceOf(const SweepRow &row)
                                                                            : BinPlace::center;
 }
 
-bool looksLikeHeader(std::string_view line)
+bool holdsNumber(std::string_view line)
 {
-    const char first = trimmed(line).front();
-    return first < '0' || first > '9';
+    std::string_view field;
+    double number = 0;
+    while (nextField(line, field))
+        if (parseFrequency(field, number))
+            return true;
+    return false;
+}
+
+/// Microseconds since 1970 UTC of a local time in whole seconds.
+std::optional<KRTimeStamp> parseSecond(std::string_view stamp)
+{
+    std::string_view rest = stamp, date, time;
+    if (!nextField(rest, date) || !nextField(rest, time))
+        return std::nullopt;
+    const auto text = [](std::string_view s) {
+        return QString::fromLatin1(s.data(), int(s.size()));
+    };
+    const QDate day = QDate::fromString(text(date), Qt::ISODate);
+    const QTime clock = QTime::fromString(text(time), Qt::ISODate);
+    if (!day.isValid() || !clock.isValid())
+        return std::nullopt;
+    // Below 0 is a clock that was never set, read further east.
+    const qint64 milliseconds = QDateTime(day, clock, Qt::LocalTime).toMSecsSinceEpoch();
+    return KRTimeStamp(std::max<qint64>(milliseconds, 0)) * 1000;
 }
 
 } // namespace
@@ -112,26 +140,18 @@ const char *parseSweepRow(std::string_view line, SweepRow &row)
     return row.values.empty() ? "it has no levels" : "";
 }
 
-std::optional<KRTimeStamp> parseSweepStamp(std::string_view stamp)
+std::optional<KRTimeStamp> SweepStamps::read(std::string_view stamp)
 {
-    std::string_view rest = stamp, date, time;
-    if (!nextField(rest, date) || !nextField(rest, time))
-        return std::nullopt;
-    const auto dot = time.find('.');
-    const auto text = [](std::string_view s) {
-        return QString::fromLatin1(s.data(), int(s.size()));
-    };
-    const QDate day = QDate::fromString(text(date), Qt::ISODate);
-    const QTime clock = QTime::fromString(text(time.substr(0, dot)), Qt::ISODate);
-    if (!day.isValid() || !clock.isValid())
-        return std::nullopt;
+    const auto dot = std::min(stamp.find('.'), stamp.size());
+    if (const auto second = stamp.substr(0, dot); second != m_second) {
+        m_second = second;
+        m_time = parseSecond(second);
+    }
     double fraction = 0;
-    if (dot != std::string_view::npos && !parseNumber(time.substr(dot), fraction))
+    if (dot < stamp.size() && !(parseNumber(stamp.substr(dot), fraction) && fraction < 1))
         return std::nullopt;
-    const qint64 milliseconds = QDateTime(day, clock, Qt::LocalTime).toMSecsSinceEpoch();
-    if (milliseconds < 0)
-        return std::nullopt;
-    return KRTimeStamp(milliseconds) * 1000 + KRTimeStamp(std::llround(fraction * 1e6));
+    return m_time ? std::optional(*m_time + KRTimeStamp(std::llround(fraction * 1e6)))
+                  : std::nullopt;
 }
 
 SweepReader::SweepReader(std::unique_ptr<QIODevice> device, const QString &name,
@@ -150,15 +170,15 @@ SweepReader::SweepReader(std::unique_ptr<QIODevice> device, const QString &name,
 
 void SweepReader::survey()
 {
-    while (nextLine()) {
-        if (trimmed(m_line).empty() || (m_lineNumber == 1 && looksLikeHeader(m_line)))
-            continue;
-        const char *wrong = parseSweepRow(m_line, m_row);
-        if (*wrong)
-            noteBroken(wrong);
-        else
-            addHop(m_row);
+    addHops();
+    if (settleColumns()) {
+        rewind();
+        m_broken = 0;
+        m_brokenNotes.clear();
+        addHops();
     }
+    for (const QString &note : m_brokenNotes)
+        m_note(note);
     if (m_hops.empty())
         throw Failure(Failure::Runtime,
                       QStringLiteral("%1 holds no sweep: not one of its %2 lines reads as \"date, "
@@ -169,30 +189,69 @@ void SweepReader::survey()
         m_note(QStringLiteral("%1: %2 broken lines are skipped in all.").arg(m_name).arg(m_broken));
 }
 
-void SweepReader::addHop(const SweepRow &row)
+void SweepReader::addHops()
+{
+    while (nextLine()) {
+        if (trimmed(m_line).empty() || (m_lineNumber == 1 && !holdsNumber(m_line)))
+            continue;
+        const char *wrong = parseLine();
+        if (!*wrong)
+            wrong = addHop(m_row);
+        if (*wrong)
+            noteBroken(wrong);
+    }
+}
+
+/// Counts the row to its hop. Returns what is wrong with it, or an empty text.
+const char *SweepReader::addHop(const SweepRow &row)
 {
     const HopKey key(row.low, row.high);
     const auto columns = std::uint32_t(row.values.size());
-    if (const auto known = m_hops.find(key); known != m_hops.end()) {
-        if (known->second.columns != columns)
-            noteBroken("its number of levels is not that of the hop's first line");
-        return;
-    }
-    const double expected = std::max(1.0, std::round((row.high - row.low) / row.step));
-    if (columns < expected)
-        return noteBroken("it has fewer levels than its frequencies ask for");
-
-    const bool repeated =
-        columns > expected && equalLevels(row.values[columns - 1], row.values[columns - 2]);
-    Hop hop;
-    hop.columns = columns;
-    hop.count = repeated ? columns - 1 : columns;
-    // The written step is rounded; where the count fits, the width tells it exactly.
-    hop.step = hop.count == expected ? (row.high - row.low) / hop.count : row.step;
+    const auto known = m_hops.find(key);
+    if (known == m_hops.end() || known->second.columns != columns)
+        if (columns < expectedLevels(row))
+            return "it has fewer levels than its frequencies ask for";
     if (!m_firstHop) {
         m_firstHop = key;
         m_place = binPlaceOf(row);
     }
+    Hop &hop = m_hops[key];
+    if (hop.columns == 0)
+        hop.columns = columns;
+    ++hop.lines[columns];
+    if (hop.columns != columns)
+        return "its number of levels is not that of the hop's other lines";
+    if (hop.count == 0)
+        layOutHop(row, hop);
+    return "";
+}
+
+/// Gives each hop the number of levels that most of its lines have. False when all had it already.
+bool SweepReader::settleColumns()
+{
+    bool changed = false;
+    for (auto &[key, hop] : m_hops) {
+        const auto most =
+            std::max_element(hop.lines.begin(), hop.lines.end(),
+                             [](const auto &a, const auto &b) { return a.second < b.second; });
+        if (most->second > hop.lines[hop.columns]) {
+            hop.columns = most->first;
+            hop.count = 0;
+            changed = true;
+        }
+    }
+    return changed;
+}
+
+void SweepReader::layOutHop(const SweepRow &row, Hop &hop) const
+{
+    const double expected = expectedLevels(row);
+    const std::uint32_t columns = hop.columns;
+    const bool repeated =
+        columns > expected && equalLevels(row.values[columns - 1], row.values[columns - 2]);
+    hop.count = repeated ? columns - 1 : columns;
+    // The written step is rounded; where the count fits, the width tells it exactly.
+    hop.step = hop.count == expected ? (row.high - row.low) / hop.count : row.step;
     hop.center = m_place == BinPlace::edge
                      ? row.low + hop.step / 2
                      : (row.low + row.high) / 2 - std::floor(hop.count / 2.0) * hop.step;
@@ -200,7 +259,6 @@ void SweepReader::addHop(const SweepRow &row)
     // stands for the whole width.
     if (m_place == BinPlace::center && hop.count == expected && hop.count > 1)
         hop.center = row.low;
-    m_hops.emplace(key, hop);
 }
 
 void SweepReader::layOutGrid()
@@ -244,13 +302,28 @@ bool SweepReader::nextLine()
     } while (m_buffer[size - 1] != '\n' && size < kLongestLine);
     m_line = {m_buffer.data(), size};
     m_lineNumber += size > 0;
+    if (m_lineNumber == 1 && m_line.starts_with("\xEF\xBB\xBF"))
+        m_line.remove_prefix(3);
     return size > 0;
+}
+
+/// Reads the current line into m_row and m_time. Returns what is wrong with it, or an empty text.
+const char *SweepReader::parseLine()
+{
+    const char *const wrong = parseSweepRow(m_line, m_row);
+    if (*wrong)
+        return wrong;
+    const auto time = m_stamps.read(m_row.stamp);
+    if (!time)
+        return "its date and time can't be read";
+    m_time = *time;
+    return "";
 }
 
 bool SweepReader::nextRow()
 {
     while (nextLine()) {
-        if (*parseSweepRow(m_line, m_row))
+        if (*parseLine())
             continue;
         const auto hop = m_hops.find({m_row.low, m_row.high});
         if (hop != m_hops.end() && hop->second.columns == m_row.values.size())
@@ -262,10 +335,10 @@ bool SweepReader::nextRow()
 void SweepReader::noteBroken(const char *what)
 {
     if (++m_broken <= kNotesOfBrokenLines)
-        m_note(QStringLiteral("%1, line %2 is skipped: %3.")
-                   .arg(m_name)
-                   .arg(m_lineNumber)
-                   .arg(QLatin1String(what)));
+        m_brokenNotes.push_back(QStringLiteral("%1, line %2 is skipped: %3.")
+                                    .arg(m_name)
+                                    .arg(m_lineNumber)
+                                    .arg(QLatin1String(what)));
 }
 
 SweepReader::Hop &SweepReader::hopOfRow() { return m_hops.find({m_row.low, m_row.high})->second; }
@@ -292,7 +365,7 @@ bool SweepReader::read(Scan &scan)
     m_rowPending = false;
     ++m_sweep;
     m_sweepStamp = m_row.stamp;
-    scan.time = parseSweepStamp(m_row.stamp).value_or(0);
+    scan.time = m_time;
     scan.directions.clear();
     scan.levels.assign(m_channels, kNoValue);
     put(hopOfRow(), scan);

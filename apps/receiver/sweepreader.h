@@ -32,19 +32,31 @@ struct SweepRow {
 /// an empty text. Never throws.
 const char *parseSweepRow(std::string_view line, SweepRow &row);
 
-/// Microseconds since 1970 UTC of "2026-11-21, 10:00:00.5", read as local time; nullopt when it
-/// is no date and time.
-std::optional<KRTimeStamp> parseSweepStamp(std::string_view stamp);
+/// Reads the stamps of a file, of which most repeat the second of the one before: to look up the
+/// local time of each would take ten times as long as to read its line.
+class SweepStamps {
+public:
+    /// Microseconds since 1970 UTC of "2026-11-21, 10:00:00.5", read as local time, 0 for what lies
+    /// before; nullopt when it is no date and time.
+    std::optional<KRTimeStamp> read(std::string_view stamp);
+
+private:
+    std::string m_second; // the last stamp up to its fraction
+    std::optional<KRTimeStamp> m_time;
+};
 
 /// Sweep files of rtl_power and hackrf_sweep, and of writers that imitate them.
 ///
 /// Hops are placed by frequency, whatever their order. A scan is one sweep; channels whose hop is
 /// missing have no value. rtl_power repeats the last value of each line: the repeat is dropped.
-/// A broken or cut-off line is skipped, counted and noted once with its number; a first line that
-/// starts without a number is a header. Levels are the file's dB plus the full-scale level.
+/// A broken or cut-off line is skipped, counted and noted once with its number; so is one that
+/// has another number of levels than most lines of its hop. A first line none of whose fields is a
+/// number is a header, and a byte-order mark before it is passed over. Levels are the file's dB
+/// plus the full-scale level.
 class SweepReader : public Input {
 public:
-    /// Reads the whole file once to find all hops. \a name goes into messages.
+    /// Reads the whole file to find all hops: once, or twice when a hop's first line was the odd
+    /// one. \a name goes into messages.
     /// \throws Failure when the device has no readable line, or isn't random-access
     SweepReader(std::unique_ptr<QIODevice> device, const QString &name, double fullScaleDbuv,
                 Note note);
@@ -54,7 +66,6 @@ public:
     void rewind() override;
     double period() const override { return 0; }
 
-    BinPlace binPlace() const { return m_place; }
     /// Broken lines of the file.
     std::uint64_t brokenLines() const { return m_broken; }
 
@@ -62,16 +73,21 @@ private:
     struct Hop {
         double center = 0, step = 0; // of the first channel
         std::uint32_t columns = 0;   // values as written, a repeated last one included
-        std::uint32_t count = 0;     // channels
+        std::uint32_t count = 0;     // channels; 0 until they are laid out
         std::size_t offset = 0;      // index of the first channel in the scan
         std::uint64_t sweep = 0;     // the last sweep that filled it
+        std::map<std::uint32_t, std::uint64_t> lines; // read so far, by values
     };
     using HopKey = std::pair<double, double>; // low, high
 
     void survey();
-    void addHop(const SweepRow &row);
+    void addHops();
+    const char *addHop(const SweepRow &row);
+    void layOutHop(const SweepRow &row, Hop &hop) const;
+    bool settleColumns();
     void layOutGrid();
     bool nextLine();
+    const char *parseLine();
     /// The next good row into m_row; false at the end.
     bool nextRow();
     void noteBroken(const char *what);
@@ -93,7 +109,10 @@ private:
     std::string_view m_line; // the current line, in m_buffer
     std::uint64_t m_lineNumber = 0;
     std::uint64_t m_broken = 0;
+    std::vector<QString> m_brokenNotes; // of the first few
     SweepRow m_row;
+    SweepStamps m_stamps;
+    KRTimeStamp m_time = 0;    // of m_row
     bool m_rowPending = false; // m_row belongs to the sweep that comes next
     std::string m_sweepStamp;
     std::uint64_t m_sweep = 0;

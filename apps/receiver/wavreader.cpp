@@ -118,8 +118,11 @@ std::int64_t dataSize(const Chunk &chunk, qint64 fileSize, Recording &recording)
                                   .arg(size - there);
         size = there;
     }
-    const auto width = std::int64_t(recording.format.bytesPerSample());
-    return size / width * width;
+    const std::int64_t rest = size % std::int64_t(recording.format.bytesPerSample());
+    if (rest != 0 && recording.warnings.isEmpty())
+        recording.warnings << QStringLiteral("%1 ends within a sample: the ones before are used.")
+                                  .arg(recording.dataFile);
+    return size - rest;
 }
 
 } // namespace

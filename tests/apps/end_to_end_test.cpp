@@ -173,6 +173,32 @@ TEST(EndToEnd, ASignalEndsTheRunEarlyWithItsFiles)
     expectBand(monitor.report());
 }
 
+TEST(EndToEnd, APictureThatCannotBeWrittenLeavesTheReport)
+{
+    const Receiver receiver({"--input", band()});
+    QTemporaryDir gone;
+    const QString picture = gone.filePath(QStringLiteral("picture.png"));
+    Monitor monitor(receiver.endpoint(), {"--seconds", "600", "--png", picture});
+    ASSERT_TRUE(monitor.waitForMessage(QStringLiteral("scans/s"), 60));
+    ASSERT_TRUE(gone.remove());
+    monitor.signal(SIGINT);
+    EXPECT_EQ(monitor.waitForEnd(60), 1);
+    EXPECT_TRUE(monitor.errors().contains(picture)) << monitor.errors().toStdString();
+    expectBand(monitor.report());
+}
+
+TEST(EndToEnd, AFolderIsNoFileToWrite)
+{
+    const QTemporaryDir folder;
+    for (const char *option : {"--png", "--json"}) {
+        Monitor monitor(QStringLiteral("tcp://127.0.0.1:1"),
+                        {"--seconds", "60", "--timeout", "20", option, folder.path()});
+        EXPECT_EQ(monitor.waitForEnd(60), 1);
+        EXPECT_TRUE(monitor.errors().contains(folder.path() + QStringLiteral("\": it is a folder")))
+            << option << monitor.errors().toStdString();
+    }
+}
+
 TEST(EndToEnd, OnlyListedKeysAreLetIn)
 {
     const QTemporaryDir folder;

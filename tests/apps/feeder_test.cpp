@@ -1,5 +1,4 @@
 #include "apps/receiver/feeder.h"
-#include "apps/receiver/terminationsignals.h"
 #include "tests/apps/inputtools.h"
 
 #include <QCoreApplication>
@@ -7,7 +6,6 @@
 #include <QElapsedTimer>
 #include <QSignalSpy>
 
-#include <csignal>
 #include <thread>
 
 using namespace receiver;
@@ -66,10 +64,10 @@ private:
     Stored &m_stored;
 };
 
-/// Runs the event loop until \a done, at most ten seconds.
-bool waitFor(const std::function<bool()> &done)
+/// Runs the event loop until \a done, at most \a milliseconds.
+bool waitFor(const std::function<bool()> &done, int milliseconds = 10000)
 {
-    for (QDeadlineTimer limit(10000); !done() && !limit.hasExpired();)
+    for (QDeadlineTimer limit(milliseconds); !done() && !limit.hasExpired();)
         QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 5);
     return done();
 }
@@ -110,12 +108,34 @@ TEST(Feeder, FeedsAllAtOnceAtSpeedZeroAndSaysWhenItEnds)
 
 TEST(Feeder, KeepsTheTimeOfTheStampsTimesTheSpeed)
 {
-    // 0.4 s and an hour behind the first, at twice the speed
-    Rig rig({1000000, 1400000, 3600000000}, {2, false, false});
+    // 0.4 s and ten minutes behind the first, at twice the speed
+    Rig rig({1000000, 1400000, 601000000}, {2, false, false});
     ASSERT_TRUE(waitFor([&] { return rig.stored.scans.size() == 2; }));
     EXPECT_GE(rig.stored.when[1], 199);
     EXPECT_FALSE(rig.ended.wait(100));
     EXPECT_EQ(rig.stored.scans.size(), 2u);
+}
+
+TEST(Feeder, DoesNotWaitForAClockThatIsSet)
+{
+    // A clock that begins in 1970 is set, and set once more. Behind that, time goes on as before.
+    constexpr KRTimeStamp kSet = 1795251600000000, kAgain = kSet + 7200000000;
+    const std::vector<KRTimeStamp> stamps = {1000,        2000,   kSet,
+                                             kSet + 1000, kAgain, kAgain + 200000};
+    Rig rig(stamps, {1, false, false});
+    QSignalSpy told(&rig.feeder, &Feeder::gapSkipped);
+    ASSERT_TRUE(waitFor([&] { return rig.stored.scans.size() == stamps.size(); }));
+    EXPECT_EQ(rig.stored.times, stamps);
+    EXPECT_GE(rig.stored.when[5] - rig.stored.when[3], 199);
+    EXPECT_EQ(told.count(), 1);
+
+    Rig loop({1000, kSet}, {0, true, false});
+    ASSERT_TRUE(waitFor([&] { return loop.stored.times.size() > 2; }));
+    EXPECT_EQ(loop.stored.times[2], kSet + 1000000) << "the gap is not the usual interval";
+
+    Rig slow({1000000, 5000000}, {0.001, false, false});
+    EXPECT_FALSE(waitFor([&] { return slow.stored.scans.size() == 2; }, 100))
+        << "four seconds at a thousandth of the speed are a wait, not a gap";
 }
 
 TEST(Feeder, LoopsWithRisingStampsAndLetsOthersRun)
@@ -161,15 +181,4 @@ TEST(Feeder, TellsOfAnInputThatFailsOrHasNothing)
     ASSERT_EQ(broken.failed.count(), 1);
     EXPECT_EQ(broken.failed[0][0].toString(), QStringLiteral("the disk is gone"));
     EXPECT_EQ(broken.stored.scans.size(), 1u);
-}
-
-TEST(TerminationSignals, BecomeAQtSignal)
-{
-    for (const int signal : {SIGTERM, SIGINT}) {
-        TerminationSignals signals;
-        QSignalSpy caught(&signals, &TerminationSignals::caught);
-        std::raise(signal);
-        EXPECT_EQ(caught.count(), 0) << "not inside the handler";
-        EXPECT_TRUE(waitFor([&] { return caught.count() == 1; }));
-    }
 }

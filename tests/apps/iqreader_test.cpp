@@ -151,7 +151,7 @@ TEST(WavReader, ReadsEachKindOfSamples)
          wav(chunk("LIST", "abc") + chunk("fmt ", mono) + chunk("auxi", "x") +
              chunk("data", quarter) + chunk("bext", "behind")),
          {0.25f}},
-        {"a size of 0 means to the end", wav(mono, "") + quarter + quarter + "x", {0.25f, 0.25f}},
+        {"a size of 0 means to the end", wav(mono, "") + quarter + quarter, {0.25f, 0.25f}},
     };
     const Files files;
     for (const auto &c : cases) {
@@ -166,12 +166,23 @@ TEST(WavReader, ReadsEachKindOfSamples)
 
 TEST(WavReader, WarnsOfSamplesThatEndEarly)
 {
-    QByteArray bytes = wav(wavFormat(1, 1, 8000, 16), images<std::int16_t>({8192, 8192, 8192}));
-    bytes.chop(3);
+    const QByteArray mono = wavFormat(1, 1, 8000, 16), quarter = images<std::int16_t>({8192});
+    const struct {
+        QByteArray bytes;
+        const char *warning;
+    } cases[] = {
+        {wav(mono, quarter + quarter + quarter).chopped(3), "ends 3 bytes early"},
+        {wav(mono, quarter + "x"), "within a sample"},
+        {wav(mono, "") + quarter + "x", "within a sample"},
+    };
     const Files files;
-    const Recording recording = openRecording(files.write("cut.wav", bytes), QString());
-    EXPECT_EQ(recording.warnings.size(), 1);
-    EXPECT_EQ(samplesOf(recording), std::vector<float>{0.25f});
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.warning);
+        const Recording recording = openRecording(files.write("cut.wav", c.bytes), QString());
+        ASSERT_EQ(recording.warnings.size(), 1);
+        EXPECT_TRUE(recording.warnings[0].contains(QLatin1String(c.warning)));
+        EXPECT_EQ(samplesOf(recording), std::vector<float>{0.25f});
+    }
 }
 
 TEST(WavReader, RefusesWhatItCannotRead)

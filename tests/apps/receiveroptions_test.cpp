@@ -36,6 +36,7 @@ TEST(ReceiverOptions, AreAllRead)
     EXPECT_EQ(options.ranges[1].stop, 100e6);
     EXPECT_EQ(options.type, SampleType::dfSpectrum);
     EXPECT_EQ(parse(QStringLiteral("--type 111")).type, SampleType::pulse);
+    EXPECT_EQ(parse(QStringLiteral("--ranges 98M:98M")).ranges.size(), 1u) << "a single channel";
     EXPECT_EQ(parse(QStringLiteral("--ranges 1M:2M:5k")).ranges.at(0).step, 5e3);
     EXPECT_FALSE(parse(QString()).wait) << "a simulation never runs out";
     EXPECT_TRUE(parse(QStringLiteral("--input sweep:a.csv")).wait);

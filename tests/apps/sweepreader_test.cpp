@@ -95,7 +95,13 @@ TEST(SweepReader, PlacesTheChannelsOfEachWriter)
          10, 2, "5 -"},
         {"line ends of the other system", "2026-11-21, 10:00:00, 0, 20, 10, 9, 5, 6\r\n", 0, 10, 2,
          "5 6"},
-        {"a line without a time", "2026-11-21, , 0, 20, 10, 9, 5, 6\n", 0, 10, 2, "5 6"},
+        {"a byte-order mark", "\xEF\xBB\xBF" + rtl("10:00:00", "0, 20, 10, 9, 5, 6, 6"), 0, 10, 2,
+         "5 6"},
+        {"a byte-order mark before a header",
+         "\xEF\xBB\xBF"
+         "date,time\n" +
+             rtl("10:00:00", "0, 20, 10, 9, 5, 6, 6"),
+         0, 10, 2, "5 6"},
         {"no line end at all", "2026-11-21,10:00:00,0,20,10,9,5,6", 0, 10, 2, "5 6"},
     };
     for (const GridCase &c : cases) {
@@ -182,20 +188,73 @@ TEST(SweepReader, SkipsAndCountsBrokenLinesWithTheirNumbers)
         {"falling frequencies", "2026-11-21, 10:00:01, 20, 0, 10, 9, 1, 2, 2", "do not rise"},
         {"a step of nothing", "2026-11-21, 10:00:01, 0, 20, 0, 9, 1, 2, 2", "do not rise"},
         {"an endless frequency", "2026-11-21, 10:00:01, 0, inf, 10, 9, 1, 2", "first six fields"},
+        {"no time", "2026-11-21, , 0, 20, 10, 9, 1, 2, 2", "date and time"},
+        {"a day that never was", "2026-02-30, 10:00:01, 0, 20, 10, 9, 1, 2, 2", "date and time"},
         {"a second header", "date, time, low, high, step, samples, db", "first six fields"},
         {"bytes of another world", std::string("\0\xff,\x80,", 5), "first six fields"},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
-        // The fewer levels of a hop that is known already read as a wrong number of them.
-        const bool alone = c.note == "fewer levels";
-        const Sweeps sweeps = alone ? readSweeps("header\n\n" + c.bad + "\n" + good)
-                                    : readSweeps("header\n" + good + c.bad + "\n" + good);
+        const Sweeps sweeps = readSweeps("header\n" + good + c.bad + "\n" + good);
         EXPECT_EQ(sweeps.broken, 1u);
-        EXPECT_EQ(sweeps.scans.size(), alone ? 1u : 2u);
+        EXPECT_EQ(sweeps.scans.size(), 2u);
         ASSERT_EQ(sweeps.notes.size(), 1u);
         EXPECT_NE(sweeps.notes[0].find("a.csv, line 3"), std::string::npos) << sweeps.notes[0];
         EXPECT_NE(sweeps.notes[0].find(c.note), std::string::npos) << sweeps.notes[0];
+    }
+}
+
+TEST(SweepReader, TakesOnlyAFirstLineWithoutNumbersForAHeader)
+{
+    const struct {
+        const char *line;
+        std::uint64_t broken;
+    } cases[] = {
+        {"date,time,inf", 0},
+        {"3 columns", 0},
+        {"x, 10:00:00, 0, 20, 10, 9, 8, 8, 8", 1},
+        {"21.11.2026, 10:00:00, 0, 20, 10, 9, 8, 8, 8", 1},
+        {"2026", 1},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.line);
+        const Sweeps sweeps =
+            readSweeps(c.line + ("\n" + rtl("10:00:00", "0, 20, 10, 9, 1, 2, 2")));
+        EXPECT_EQ(sweeps.broken, c.broken);
+        ASSERT_EQ(sweeps.scans.size(), 1u);
+        EXPECT_EQ(levelsOf(sweeps.scans[0]), "1 2");
+    }
+}
+
+TEST(SweepReader, GivesAHopTheLevelsOfMostOfItsLines)
+{
+    const std::string good = rtl("10:00:00", "0, 20, 10, 9, 1, 2, 2"),
+                      tooMany = rtl("10:00:00", "0, 20, 10, 9, 7, 7, 7, 7"),
+                      other = rtl("10:00:00", "20, 40, 10, 9, 3, 4, 4");
+    const struct {
+        const char *name;
+        std::string text;
+        std::vector<std::string> notedLines; ///< that are skipped
+        const char *firstScan;
+    } cases[] = {
+        {"the first line is the odd one", tooMany + other + good + good, {"1"}, "- - 3 4"},
+        {"the first line is cut short", rtl("10:00:00", "0, 20, 10, 9, 7") + good, {"1"}, "1 2"},
+        {"so are two of five, and broken lines keep their order",
+         tooMany + "2026\n" + tooMany + good + good + good,
+         {"1", "2", "3"},
+         "1 2"},
+        {"as many of each: the first counts", good + tooMany, {"2"}, "1 2"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        const Sweeps sweeps = readSweeps(c.text);
+        EXPECT_EQ(sweeps.broken, c.notedLines.size());
+        ASSERT_EQ(sweeps.notes.size(), c.notedLines.size());
+        for (std::size_t i = 0; i < c.notedLines.size(); ++i)
+            EXPECT_NE(sweeps.notes[i].find("line " + c.notedLines[i] + " is"), std::string::npos)
+                << sweeps.notes[i];
+        ASSERT_FALSE(sweeps.scans.empty());
+        EXPECT_EQ(levelsOf(sweeps.scans[0]), c.firstScan);
     }
 }
 
@@ -244,16 +303,20 @@ TEST(SweepReader, ReadsLocalTimesToTheMicrosecond)
         const char *stamp;
         std::optional<KRTimeStamp> expected;
     } const cases[] = {
+        {"1970-01-01, 00:00:07", 0}, // a clock that was never set, further west
         {"1970-01-02, 01:00:00", 86400000000u},
         {"2026-06-15, 13:48:13.555047", 1781524093555047u},
+        {"2026-06-15, 13:48:13.6", 1781524093600000u},
         {"2026-11-21,10:00:00", 1795251600000000u},
         {"2026-13-21, 10:00:00", std::nullopt},
         {"2026-11-21, 25:00:00", std::nullopt},
         {"2026-11-21, 10:00:00.x", std::nullopt},
+        {"2026-11-21, 10:00:00.1e30", std::nullopt},
         {"", std::nullopt},
     };
+    SweepStamps stamps;
     for (const auto &c : cases)
-        EXPECT_EQ(parseSweepStamp(c.stamp), c.expected) << c.stamp;
+        EXPECT_EQ(stamps.read(c.stamp), c.expected) << c.stamp;
     qunsetenv("TZ");
     tzset();
 }
