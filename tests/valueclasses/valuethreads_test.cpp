@@ -110,6 +110,40 @@ TEST(ValueThreads, PostedChangesStayInOrderWhenRecordingEnds)
     runElsewhere([&] { EXPECT_FALSE(value.IsChangeForeign()) << "none waits any more"; });
 }
 
+TEST(ValueThreads, AnAssignmentWaitsForWhatIsPosted)
+{
+    const Value<int> two("b", 2);
+    Value<int> value("a", 0), recorded("c", 3);
+    value.CommandRecordingOn();
+    recorded.CommandRecordingOn();
+    ErrorHandler::Instance().SetTraceMask(0);
+    runElsewhere([&] {
+        value.SetValue(1, nullptr);
+        value.Assign(two);
+    });
+    EXPECT_EQ(value.GetValue(), 0);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(value.GetValue(), 2) << "not what was posted before";
+
+    Value<int> plain("d", 0);
+    runElsewhere([&] {
+        recorded.SetValue(4, nullptr);
+        plain.Assign(recorded); // behind what is posted there
+    });
+    QCoreApplication::processEvents();
+    EXPECT_EQ(plain.GetValue(), 4);
+
+    // A timer and the name of a value in a tree are the application thread's.
+    Value<int> timed("e", 5);
+    timed.SetUpdateTimerTime(100000);
+    runElsewhere([&] { plain.Assign(timed); });
+    EXPECT_EQ(plain.GetValue(), 5) << "stored at once";
+    EXPECT_EQ(plain.GetUpdateTimerTime(), 0U);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(plain.GetUpdateTimerTime(), 100000U);
+    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
+}
+
 TEST(ValueThreads, AFloodWaitsForTheApplicationThreadAndLosesNothing)
 {
     constexpr int kChanges = 10005;

@@ -1,3 +1,4 @@
+#include "platform/base/krexception.h"
 #include "valueclasses/testvalue.h"
 
 #include <gmock/gmock.h>
@@ -72,6 +73,20 @@ TEST_F(ValueTransactionTest, MovesItsTransaction)
     second = ValueTransaction();
     EXPECT_FALSE(value.IsTransactionActive());
     EXPECT_THAT(log.codes, IsEmpty()) << "the source is skipped";
+}
+
+TEST_F(ValueTransactionTest, AReplayThatFailsEndsTheTransactionsThatItBegan)
+{
+    log.then = [](Observable *, TChangeCode code) {
+        if (code == CC_LIMITS)
+            throw KRException("no", "", "", "", 0);
+    };
+    const auto limits = std::to_string(CC_LIMITS), end = "4;" + std::to_string(CC_VALUE) + ';';
+    const std::string failing = "3;3;0;" + limits + ";3;" + end + end + end;
+    EXPECT_THROW(value.SetCommandString(failing, nullptr, -1), KRException);
+    log.codes.clear();
+    value.SetCommandString("3;1;2;" + end, nullptr, -1);
+    EXPECT_THAT(log.codes, ElementsAre(CC_VALUE)) << "the outermost one, and it is told";
 }
 
 } // namespace

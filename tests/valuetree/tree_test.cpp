@@ -2,6 +2,7 @@
 #include "platform/base/kelmos.h"
 #include "platform/base/krexception.h"
 #include "valuetree/treelog.h"
+#include "valuetree/vtxml.h"
 
 #include <gmock/gmock.h>
 
@@ -158,11 +159,21 @@ TEST(TreeLife, ObserversMayDeleteWhatTheyWatch)
              } catch (const KRException &) { // one whose end is told takes nothing
              }
          }},
+        {"ask",
+         [](BaseTree &tree) {
+             if (Node *const node = tree.GetNode("/n")) {
+                 node->SetName("o", nullptr);
+                 static_cast<void>(VtXml::ToXml(node));
+                 std::string text;
+                 node->AddTreeString(text, 0, 0);
+             }
+         }},
         {"move", [](BaseTree &tree) {
              if (Node *const node = tree.GetNode("/n/m"))
                  tree.AddNode("/", node);
          }}};
-    for (const char *when : {"v 17", "v 1", "v 18", "=v 1", "=v 2", "m 17", "w 17", "w 18", "n 18"})
+    for (const char *when :
+         {"v 17", "v 1", "v 18", "=v 1", "=v 2", "m 17", "w 17", "w 18", "w 2", "=w 2", "n 18"})
         for (const auto &[name, act] : actions) {
             for (const Ending &row : kEndings) {
                 SCOPED_TRACE(std::string(when) + ", " + name + ", " + row.name);
@@ -178,6 +189,51 @@ TEST(TreeLife, ObserversMayDeleteWhatTheyWatch)
                         << once;
             }
         }
+}
+
+TEST(TreeLife, ObserversOfANewChildMayDeleteOrFail)
+{
+    const std::pair<const char *, std::function<bool(BaseTree &)>> additions[] = {
+        {"CreateValue", [](BaseTree &tree) { return tree.GetNode("/n")->CreateValue("x", Int()); }},
+        {"AddChildNode", [](BaseTree &tree) { return tree.GetNode("/n")->AddChildNode("x"); }},
+        {"Merge",
+         [](BaseTree &tree) {
+             Node other;
+             other.AddValue("x", new Int);
+             tree.GetNode("/n")->Merge(&other);
+             return tree.GetValue("/n/x") != nullptr;
+         }},
+        {"FromXml",
+         [](BaseTree &tree) {
+             VtXml::FromXml(tree.GetNode("/n"), R"(<!DOCTYPE Vt><Vt Version="1.0"><x type="value">)"
+                                                "<Type>ValueInt</Type></x></Vt>");
+             return tree.GetValue("/n/x") != nullptr;
+         }},
+    };
+    for (const auto &[name, add] : additions) {
+        SCOPED_TRACE(name);
+        Life life;
+        life.log.then["n 16"] = [&] { life.tree.DeleteNode("/n"); };
+        EXPECT_FALSE(add(life.tree));
+        Life failing;
+        failing.log.then["n 16"] = [] { throw KRException("no", "", "", "", 0); };
+        EXPECT_THROW(add(failing.tree), KRException);
+        EXPECT_TRUE(failing.tree.GetValue("/n/x") != nullptr || failing.tree.GetNode("/n/x"));
+    }
+}
+
+TEST(TreeLife, NothingComesBelowChildrenWhoseEndIsTold)
+{
+    Life life;
+    int refused = 0;
+    for (const char *when : {"v 17", "m 17", "m 18", "w 17"})
+        life.log.then[when] = [&] {
+            Int value("x");
+            refused += life.tree.AddValue("/n/m/x", &value) ? 0 : 1;
+        };
+    life.tree.GetNode("/n")->DeleteChildren();
+    EXPECT_EQ(refused, 4);
+    EXPECT_EQ(names(life.tree), "/\n\t/n\n");
 }
 
 TEST(TreeLife, WhatAnObserverMovesLivesOn)

@@ -193,6 +193,7 @@ TEST(VtXml, RefusesAWholeDocumentForOnePart)
         {"<!DOCTYPE Vt><a/>", "Wrong root element: \"a\" found. \"Vt\" is expected."},
         {"<!DOCTYPE Vt [<!ENTITY a \"b\">]><Vt Version=\"1.0\"/>",
          "Parse error: The document type"},
+        {"<!DOCTYPE Vt SYSTEM \"<!--\"><Vt Version=\"1.0\"><a/></Vt>", "The document type"},
         {document("<a>"), "Parse error: "},
         {document("&a;"), "Parse error: "},
         {document(deep), "deeper than a tree may be"},
