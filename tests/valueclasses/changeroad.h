@@ -225,4 +225,26 @@ inline void checkRoad(const RoadCase &c)
     expectSame(c, *replica, *before);
 }
 
+/// A change of a \a V, in a table.
+template <typename V>
+struct RoadRow {
+    std::string name;
+    std::function<void(V &, IObserver *)> set;
+    std::vector<int> codes;
+    std::string text{};
+    unsigned traits = 0;
+};
+
+template <typename V>
+void checkRoad(const RoadRow<V> &row, const RoadCase::Make &make)
+{
+    checkRoad(
+        {.name = row.name,
+         .make = make,
+         .set = [&row](ValueBase &value, IObserver *on) { row.set(dynamic_cast<V &>(value), on); },
+         .codes = row.codes,
+         .traits = row.traits,
+         .text = row.text});
+}
+
 } // namespace values

@@ -53,16 +53,9 @@ TYPED_TEST(MultiSelection, GoesTheRoadOfAChange)
     const auto item = [](const char *text, bool selected = false) {
         return TestFixture::item(text, selected);
     };
-    struct Row {
-        const char *name;
-        std::function<void(S &, IObserver *)> set;
-        std::vector<int> codes;
-        std::string text;
-        unsigned traits = 0;
-    };
     using enum RoadCase::Trait;
     const std::list<typename TestFixture::Item> others{item("x"), item("y", true)};
-    const Row rows[] = {
+    const RoadRow<S> rows[] = {
         {"select", SET(SelectAt(2, true, on)), {19}, "31;2;true;"},
         {"deselect", SET(SelectAt(1, false, on)), {19}, "31;1;false;"},
         {"disable", SET(EnableAt(0, false, on)), {19}, "32;0;false;"},
@@ -83,14 +76,8 @@ TYPED_TEST(MultiSelection, GoesTheRoadOfAChange)
          Loud | EndsSuppression},
         {"set a list", SET(Set(others, true, false, on)), {3, 3, 3, 3}, "", Loud | EndsSuppression},
     };
-    for (const Row &row : rows)
-        checkRoad({.name = row.name,
-                   .make = TestFixture::make,
-                   .set = [&row](ValueBase &value,
-                                 IObserver *on) { row.set(static_cast<S &>(value), on); },
-                   .codes = row.codes,
-                   .traits = row.traits,
-                   .text = row.text});
+    for (const RoadRow<S> &row : rows)
+        checkRoad(row, TestFixture::make);
 }
 
 TYPED_TEST(MultiSelection, KeepsItsRules)

@@ -261,40 +261,26 @@ TEST(KFactors, WriteTheirImage)
 
 std::unique_ptr<ValueKFactor> makeValue() { return std::make_unique<ValueKFactor>("k", curve()); }
 
+#define SET(...) [](V &v, IObserver *on) { v.__VA_ARGS__; }
+
 TEST(ValueKFactor, GoesTheRoadOfAChange)
 {
     using V = ValueKFactor;
-    const auto road = [](const char *name, std::function<void(V &, IObserver *)> set) {
-        return RoadCase{
-            .name = name,
-            .make = makeValue,
-            .set = [set](ValueBase &value, IObserver *on) { set(dynamic_cast<V &>(value), on); },
-            .codes = {CC_VALUE}};
+    const RoadRow<V> rows[] = {
+        {"value", SET(SetValue(curveOf({{1, 2, 3}}), on)), {CC_VALUE}},
+        {"text", SET(SetStringValue("1;2;3", on)), {CC_VALUE}},
+        {"point", SET(Add(3e6, 1, kNone, on)), {CC_VALUE}},
+        {"description", SET(SetDescription("Cable", on)), {CC_VALUE}},
+        {"offset", SET(SetMaxOffset(1, on)), {CC_VALUE}},
+        {"minima", SET(SetUseMin(true, on)), {CC_VALUE}},
+        {"frame", SET(Reduce(2, on)), {CC_VALUE}},
+        {"vector", SET(fromVector({1, 2, 3, 4}, false, on)), {CC_VALUE}},
     };
-    const RoadCase cases[] = {
-        road("value",
-             [](V &v, IObserver *on) {
-                 v.SetValue(curveOf({{1, 2, 3}}), on);
-             }),
-        road("text", [](V &v, IObserver *on) { v.SetStringValue("1;2;3", on); }),
-        road("point", [](V &v, IObserver *on) { v.Add(3e6, 1, kNone, on); }),
-        road("description", [](V &v, IObserver *on) { v.SetDescription("Cable", on); }),
-        road("offset", [](V &v, IObserver *on) { v.SetMaxOffset(1, on); }),
-        road("minima", [](V &v, IObserver *on) { v.SetUseMin(true, on); }),
-        road("frame", [](V &v, IObserver *on) { v.Reduce(2, on); }),
-        road("vector",
-             [](V &v, IObserver *on) {
-                 v.fromVector({1, 2, 3, 4}, false, on);
-             }),
-    };
-    for (const RoadCase &c : cases)
-        checkRoad(c);
-    checkRoad(
-        {.name = "pure",
-         .make = [] { return std::make_unique<KFactorPure>(); },
-         .set = [](ValueBase &value,
-                   IObserver *on) { dynamic_cast<KFactorPure &>(value).SetValue(curve(), on); },
-         .codes = {CC_VALUE}});
+    for (const RoadRow<V> &row : rows)
+        checkRoad(row, makeValue);
+    checkRoad<KFactorPure>(
+        {"pure", [](KFactorPure &pure, IObserver *on) { pure.SetValue(curve(), on); }, {CC_VALUE}},
+        [] { return std::make_unique<KFactorPure>(); });
 }
 
 TEST(ValueKFactor, UndoesWhatNoStringHolds)

@@ -49,12 +49,9 @@ void expectStep(const Step<Value> &step, Make make)
         EXPECT_TRUE(silent->GetCommandList().empty());
         return;
     }
-    checkRoad({.name = step.name,
-               .make = [&] { return make({0}); },
-               .set = [&](ValueBase &each,
-                          IObserver *on) { step.change(static_cast<Value &>(each), on); },
-               .codes = step.codes,
-               .traits = step.traits | RoadCase::EndsSuppression});
+    checkRoad<Value>(
+        {step.name, step.change, step.codes, {}, step.traits | RoadCase::EndsSuppression},
+        [&] { return make({0}); });
 }
 
 template <typename List>
@@ -399,26 +396,9 @@ TEST(SpecialInterest, ChangesTheInterestOfAnElementByOneCommand)
     };
     using List = ValueSpecialInterest;
     const Step<List> steps[] = {
-        {"change",
-         [](List &l, IObserver *on) {
-             l.ChangeInterest({2, "guid", "0"}, on);
-         },
-         {2},
-         {3},
-         0},
-        {"same",
-         [](List &l, IObserver *on) {
-             l.ChangeInterest({0, "guid", "0"}, on);
-         },
-         {0},
-         {}},
-        {"new",
-         [](List &l, IObserver *on) {
-             l.ChangeInterest({3, "guid", "1"}, on);
-         },
-         {0, 3},
-         {5},
-         0},
+        {"change", SET(ChangeInterest({2, "guid", "0"}, on)), {2}, {3}, 0},
+        {"same", SET(ChangeInterest({0, "guid", "0"}, on)), {0}, {}},
+        {"new", SET(ChangeInterest({3, "guid", "1"}, on)), {0, 3}, {5}, 0},
     };
     for (const Step<List> &step : steps)
         expectStep(step, make);

@@ -289,13 +289,12 @@ TEST(Records, RefuseTextsThatAreNotTheirs)
 
 TEST(Records, AreValuesOfTheirOwnToo)
 {
-    const auto set = [](ValueBase &value, IObserver *on) {
-        static_cast<Value<BearingResult> &>(value).SetValue(sample<BearingResult>(1), on);
-    };
-    checkRoad({.name = "bearing",
-               .make = [] { return std::make_unique<Value<BearingResult>>(); },
-               .set = set,
-               .codes = {CC_VALUE}});
+    using Held = Value<BearingResult>;
+    checkRoad<Held>(
+        {"bearing",
+         [](Held &value, IObserver *on) { value.SetValue(sample<BearingResult>(1), on); },
+         {CC_VALUE}},
+        [] { return std::make_unique<Held>(); });
 }
 
 } // namespace

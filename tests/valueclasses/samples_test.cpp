@@ -290,7 +290,6 @@ TEST(Samples, NameTheirFaultAsTracesKnowIt)
     Bearing bearing;
     BearingExtended extended;
     Pulse pulse;
-    MinMax minMax;
     QString text;
     const std::string base = "Base Type for ValueMap is ";
     const std::string six = base + "Bearing and has only six dimensions!";
@@ -303,16 +302,8 @@ TEST(Samples, NameTheirFaultAsTracesKnowIt)
          "doubleHandler", six},
         {faultOf([&] { BearingHandler::GetFormattedString(6, text, bearing, 0, nullptr); }),
          "BearingHandler", six},
-        {faultOf([&] { PulseHandler::GetDimension(5, pulse); }), "",
-         base + "Pulse and has only two dimensions!"},
         {faultOf([&] { PulseHandler::SetDimensionValue(5, pulse, 0); }), "",
          base + "Pulse and has only 7 dimensions!"},
-        {faultOf([&] { MinMaxHandler::GetDimension(2, minMax); }), "",
-         base + "MinMax and has only two dimensions!"},
-        {faultOf([&] { longHandler::GetDimension(1, Kelm::Long()); }), "",
-         base + "long and has only one dimension!"},
-        {faultOf([&] { levelHandler::GetDimension(1, 0); }), "",
-         base + "short and has only one dimension!"},
     };
     for (const auto &row : rows) {
         EXPECT_EQ(row.fault.reason, row.reason);

@@ -3,6 +3,8 @@
 #include "valueclasses/selection/valueselectionhelpers.h"
 #include "valueclasses/valueselection.h"
 
+#include <map>
+
 namespace {
 
 using namespace values;
@@ -33,74 +35,62 @@ TEST(ValueSelection, GoesTheRoadOfAChange)
 {
     using S = ValueSelection;
     constexpr auto kRepeats = RoadCase::Loud;
-    struct Row {
-        const char *name;
-        std::function<void(S &, IObserver *)> set;
-        std::vector<int> codes;
-        std::string text;
-        unsigned traits = 0;
-        int chosen = -1;
-    };
     const auto others = makeModes();
     others->SelectIndex(1, nullptr);
     const SelItemDesc declared[] = {{L"USB", 6, 6}, {QString("LSB"), 7, 7}};
-    const Row rows[] = {
-        {"by name", SET(Select("FM", on)), {3}, "20;FM;"},
-        {"by text", SET(SetStringValue("CW", on)), {3}, "20;CW;"},
-        {"by value", SET(Select(1.5, on, false)), {3}, "21;1.500000;"},
-        {"nearest value", SET(Select(3.0, on, true)), {3}, "21;4.000000;"},
-        {"by key", SET(Select(20, on)), {3}, "22;20;"},
-        {"by key 0", SET(Select(0, on)), {3}, "22;0;"},
-        {"from key 0", SET(Select(20, on)), {3}, "22;20;", {}, 3},
-        {"from the second of two", SET(Select("FM", on)), {3}, "", {}, 2},
-        {"by index", SET(SelectIndex(2, on)), {3}, "26;2;"},
-        {"next", SET(SelectNext(true, on)), {3}, "26;0;", kRepeats},
-        {"back", SET(SelectNext(false, on)), {3}, "26;3;", kRepeats, 0},
-        {"add", SET(AddItem("AM", 0.5, 10, on)), {5}, "23;AM;0.500000;10;", kRepeats, 1},
-        {"add names",
-         SET(AddItems({"a", "b"}, on)),
-         {5},
-         "3;23;a;4.000000;4;23;b;5.000000;5;4;5;",
-         kRepeats},
-        {"add to itself", SET(AddItemsFrom(s, on)), {5}, "", kRepeats, 1},
-        {"declared",
-         [&](S &s, IObserver *on) { SelItemDesc::AddItems(declared, 2, &s, on); },
-         {5},
-         "3;23;USB;6.000000;6;23;LSB;7.000000;7;4;5;",
-         kRepeats},
-        {"replace",
-         [&](S &s, IObserver *on) { ValueSelectionHelpers::ReplaceItems(s, *others, on); },
-         {7},
-         "",
-         kRepeats},
-        {"delete before the choice",
-         SET(DeleteItem("FM", 1.5, 20, on)),
-         {7},
-         "24;FM;1.500000;20;",
-         {},
-         3},
-        {"delete the choice", SET(DeleteItem(s.GetItem(20), on)), {7}, "24;FM;1.500000;20;", {}, 1},
-        {"delete the first of two",
-         SET(DeleteItem("AM", 0.5, 10, on)),
-         {7},
-         "24;AM;0.500000;10;",
-         kRepeats,
-         2},
-        {"delete all", SET(DeleteItems(on)), {8}, "25;", kRepeats, 2},
+    const std::map<int, std::vector<RoadRow<S>>> rows = {
+        // Nothing is chosen before.
+        {-1,
+         {{"by name", SET(Select("FM", on)), {3}, "20;FM;"},
+          {"by text", SET(SetStringValue("CW", on)), {3}, "20;CW;"},
+          {"by value", SET(Select(1.5, on, false)), {3}, "21;1.500000;"},
+          {"nearest value", SET(Select(3.0, on, true)), {3}, "21;4.000000;"},
+          {"by key", SET(Select(20, on)), {3}, "22;20;"},
+          {"by key 0", SET(Select(0, on)), {3}, "22;0;"},
+          {"by index", SET(SelectIndex(2, on)), {3}, "26;2;"},
+          {"next", SET(SelectNext(true, on)), {3}, "26;0;", kRepeats},
+          {"add names",
+           SET(AddItems({"a", "b"}, on)),
+           {5},
+           "3;23;a;4.000000;4;23;b;5.000000;5;4;5;",
+           kRepeats},
+          {"declared",
+           [&](S &s, IObserver *on) { SelItemDesc::AddItems(declared, 2, &s, on); },
+           {5},
+           "3;23;USB;6.000000;6;23;LSB;7.000000;7;4;5;",
+           kRepeats},
+          {"replace",
+           [&](S &s, IObserver *on) { ValueSelectionHelpers::ReplaceItems(s, *others, on); },
+           {7},
+           "",
+           kRepeats}}},
+        {0, {{"back", SET(SelectNext(false, on)), {3}, "26;3;", kRepeats}}},
+        {1,
+         {{"add", SET(AddItem("AM", 0.5, 10, on)), {5}, "23;AM;0.500000;10;", kRepeats},
+          {"add to itself", SET(AddItemsFrom(s, on)), {5}, "", kRepeats},
+          {"delete the choice", SET(DeleteItem(s.GetItem(20), on)), {7}, "24;FM;1.500000;20;"}}},
+        {2,
+         {{"from the second of two", SET(Select("FM", on)), {3}, ""},
+          {"delete the first of two",
+           SET(DeleteItem("AM", 0.5, 10, on)),
+           {7},
+           "24;AM;0.500000;10;",
+           kRepeats},
+          {"delete all", SET(DeleteItems(on)), {8}, "25;", kRepeats}}},
+        {3,
+         {{"from key 0", SET(Select(20, on)), {3}, "22;20;"},
+          {"delete before the choice",
+           SET(DeleteItem("FM", 1.5, 20, on)),
+           {7},
+           "24;FM;1.500000;20;"}}},
     };
-    for (const Row &row : rows)
-        checkRoad({.name = row.name,
-                   .make =
-                       [&row] {
-                           auto modes = makeModes();
-                           modes->SelectIndex(row.chosen, nullptr);
-                           return modes;
-                       },
-                   .set = [&row](ValueBase &value,
-                                 IObserver *on) { row.set(static_cast<S &>(value), on); },
-                   .codes = row.codes,
-                   .traits = row.traits,
-                   .text = row.text});
+    for (const auto &[chosen, changes] : rows)
+        for (const RoadRow<S> &row : changes)
+            checkRoad<S>(row, [index = chosen] {
+                auto modes = makeModes();
+                modes->SelectIndex(index, nullptr);
+                return modes;
+            });
 }
 
 TEST(ValueSelection, KeepsTheChoiceOnItsItem)
