@@ -42,5 +42,5 @@ ${body}}
     add_executable(docs_${page} "${file}")
     target_link_libraries(docs_${page} PRIVATE spectree)
     add_test(NAME docs_${page} COMMAND docs_${page})
-    set_tests_properties(docs_${page} PROPERTIES TIMEOUT 60 ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+    set_tests_properties(docs_${page} PROPERTIES TIMEOUT 60 ENVIRONMENT "${SPECTREE_TEST_ENVIRONMENT}")
 endfunction()

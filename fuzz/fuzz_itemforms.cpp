@@ -1,6 +1,7 @@
 // The string forms of tree items. The first byte chooses the item: a node, a value item without a
 // value, or one whose value has the type number that the byte says; the rest is the text. A refused
-// text makes no value and renames no node, and what was taken is read again from its own form.
+// text makes no value, changes none and renames no node, and what was taken is read again from its
+// own form.
 #include "fuzz/fuzztools.h"
 #include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
@@ -25,6 +26,13 @@ bool take(TreeItem &item, std::string_view text)
     }
 }
 
+std::string stateOf(ValueBase *value)
+{
+    return value == nullptr
+               ? std::string()
+               : value->GetObjectStateStringForTransmission(unsigned(ModeBinaryTagged));
+}
+
 void readNode(std::string_view text)
 {
     static const ValueDescriptor descriptor("key", "");
@@ -43,9 +51,10 @@ void readValue(std::string_view text, int type)
     ValueItem item;
     if (type != 0 && ValueFactory::Instance().IsRegistered(ValueType(type)))
         item.AddValue(QString(), ValueFactory::Instance().CreateValue(ValueType(type)));
-    const ValueBase *const before = item.GetValue();
+    ValueBase *const before = item.GetValue();
+    const std::string state = stateOf(before);
     if (!take(item, text)) {
-        require(item.GetValue() == before);
+        require(item.GetValue() == before && stateOf(before) == state);
         return;
     }
     require(item.GetValue() != nullptr && (before == nullptr || item.GetValue() == before));

@@ -51,16 +51,6 @@ protected:
             EXPECT_FALSE(peakIn(report, band).isEmpty())
                 << "no peak between " << band.lowHz << " and " << band.highHz;
         EXPECT_EQ(QImage(monitor.pngFile()).size(), QSize(1600, 1000));
-        keep(monitor, recording);
-    }
-
-    /// Set SPECTREE_PICTURES to a folder to look at the pictures.
-    void keep(const Monitor &monitor, const Recording &recording)
-    {
-        const QString folder = qEnvironmentVariable("SPECTREE_PICTURES");
-        const QString name = QFileInfo(QString::fromLatin1(recording.input)).completeBaseName();
-        if (!folder.isEmpty())
-            QFile::copy(monitor.pngFile(), folder + '/' + name.section(':', -1) + ".png");
     }
 
     QString m_folder;

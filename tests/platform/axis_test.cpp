@@ -1,6 +1,5 @@
 #include "platform/axis/axisdefinition.h"
 #include "platform/base/bytes.h"
-#include "platform/base/krexception.h"
 
 #include <gtest/gtest.h>
 
@@ -187,15 +186,6 @@ TEST(AxisData, HasTheBytesWrittenDown)
     EXPECT_TRUE(other.ApplyAxisDefinitionSet(AxisData::FromBinary(&cursor)));
     EXPECT_EQ(cursor, expected.data() + 32);
     EXPECT_EQ(other, axis);
-}
-
-TEST(AxisData, RefusesBytesThatEndEarly)
-{
-    const std::string image(31, '\0');
-    const Kelm::ReadScope scope(image.data(), image.size());
-    const char *cursor = image.data();
-    EXPECT_THROW(AxisData::FromBinary(&cursor), KRException);
-    EXPECT_EQ(cursor, image.data());
 }
 
 } // namespace

@@ -44,25 +44,6 @@ TEST(Post, WorkForADestroyedReceiverIsDropped)
     EXPECT_FALSE(ran);
 }
 
-TEST(ReadWriteLock, KeepsWritersApartAndLetsItsHolderBackIn)
-{
-    Kelm::ReadWriteLock lock(Kelm::ReadWriteLock::Kind::recursive);
-    int counter = 0; // guarded by lock
-    std::vector<std::thread> writers;
-    for (int t = 0; t < 4; ++t)
-        writers.emplace_back([&] {
-            for (int i = 0; i < 1000; ++i) {
-                const Kelm::WriteLocker outer(lock);
-                const Kelm::WriteLocker inner(lock);
-                ++counter;
-            }
-        });
-    for (auto &writer : writers)
-        writer.join();
-    const Kelm::ReadLocker reader(lock);
-    EXPECT_EQ(counter, 4000);
-}
-
 TEST(KelmOS, KnowsTheApplicationThread)
 {
     EXPECT_TRUE(KelmOS::Get().IsAppThreadKnown());

@@ -7,6 +7,7 @@
 #include "platform/transmission/consumerconnector.h"
 #include "platform/transmission/consumergroup.h"
 #include "platform/transmission/server.h"
+#include "waitfor.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -21,15 +22,6 @@
 
 /// A data source of plain byte arrays with one kind of adapter, "Echo", for tests over loopback.
 namespace rig {
-
-/// Runs the event loop until \a done, at most five seconds.
-inline bool waitFor(const std::function<bool()> &done)
-{
-    QDeadlineTimer limit(5000);
-    while (!done() && !limit.hasExpired())
-        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 5);
-    return done();
-}
 
 inline void runFor(int milliseconds)
 {

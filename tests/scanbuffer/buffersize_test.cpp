@@ -1,6 +1,7 @@
 #include "scanbuffer/scanbuffer.h"
 #include "scanbuffer/scanbuffersizemanager.h"
 #include "scanbuffer/scanbuffersizemanagerclient.h"
+#include "waitfor.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -218,8 +219,7 @@ TEST(SizeManagerThreads, ClientsAndBuffersComeAndGoOnTheirOwnThreads)
         }
         done = true;
     });
-    while (!done)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+    EXPECT_TRUE(waitFor([&] { return done.load(); }));
     feeder.join();
     QCoreApplication::processEvents();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -237,11 +237,7 @@ TEST(SizeManagerThreads, TicksComeOnTheApplicationThread)
     ASSERT_EQ(buffer->setNumberOfLines(40), 40u);
     buffer->addTimeStamp(1);
     buffer->endOfScan();
-    QElapsedTimer clock;
-    clock.start();
-    while (buffer->getNumberOfLines() == 40 && clock.elapsed() < 10'000)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    EXPECT_LT(buffer->getNumberOfLines(), 40u);
+    EXPECT_TRUE(waitFor([&] { return buffer->getNumberOfLines() < 40; }));
 
     buffer->setSizeManagerActive(false);
     EXPECT_FALSE(buffer->getSizeManager()->isActive());

@@ -3,6 +3,7 @@
 #include "scanbuffer/scanbufferrepository.h"
 #include "scanbuffer/window/windowfactories.h"
 #include "scanbuffer/window/windowinbox.h"
+#include "waitfor.h"
 #include "windowrig.h"
 
 #include <QCoreApplication>
@@ -10,7 +11,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
 #include <future>
 #include <thread>
 
@@ -120,8 +120,7 @@ TEST_F(DataSource, AWindowThatAsksToGoIsRemoved)
         QObject::connect(window, &QObject::destroyed, [&] { gone = true; });
         Q_EMIT window->signalRemoveWindowData(QStringLiteral("a"));
     });
-    while (!gone)
-        QCoreApplication::processEvents();
+    EXPECT_TRUE(waitFor([&] { return gone.load(); }));
 }
 
 TEST(AdapterFactoryTest, GivesTheTypeOfTheNameThatWasAskedFor)
@@ -211,11 +210,13 @@ TEST(WindowThread, ABusyWindowGetsOneNoteHoweverManyScansCome)
     running.feed(1000);
     goOn.set_value();
     std::uint64_t shown = 0;
-    while (shown != 1000)
+    EXPECT_TRUE(waitFor([&] {
         onThreadOf(*running.window, [&] {
             if (running.window->AnyValidLine())
                 shown = running.window->WaterfallChannelLineID(running.window->GetCurrentLine());
         });
+        return shown == 1000;
+    }));
     EXPECT_LE(running.window->notes.load(), 2) << "one for all of the scans";
 }
 
@@ -224,11 +225,10 @@ TEST(WindowThread, AFeederAtFullSpeedLeavesTheTimersTheirTurn)
     RunningWindow running;
     const auto ticking = std::make_shared<Ticking>();
     onThreadOf(*running.window, [&] { running.window->registerAdapter(ticking); });
-    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(400);
-    while (std::chrono::steady_clock::now() < end)
+    EXPECT_TRUE(waitFor([&] {
         running.feed(10);
-    EXPECT_GE(ticking->ticks.load(), 3) << "one is due every 20 ms";
-    EXPECT_GE(running.window->notes.load(), 1);
+        return ticking->ticks >= 3 && running.window->notes >= 1;
+    }));
 }
 
 TEST(WindowThread, MayGoWhileTheFeederIsAtWork)

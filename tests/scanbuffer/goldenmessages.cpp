@@ -1,5 +1,7 @@
 #include "goldenmessages.h"
 
+#include "valueclasses/samplegoldens.h"
+
 namespace {
 
 using namespace values;
@@ -14,39 +16,6 @@ template <typename T>
 std::shared_ptr<MData> value(T fields)
 {
     return std::make_shared<MYData<T>>(fields, MDT_None);
-}
-
-constexpr Bearing kBearing{1, -2, 4321, 35999, -100, 99};
-
-Pulse pulse()
-{
-    Pulse sample(100, 200, 3, 0, 0);
-    sample.pulseLevelMin = -50;
-    sample.pulseCount = 513;
-    return sample;
-}
-
-DFSpectrumSample dfSample()
-{
-    DFSpectrumSample sample;
-    sample.setValidity(BearingExtended::Validity::valid);
-    sample.setLevel(1);
-    sample.setShortTimeLevel(2);
-    sample.setFieldStrength(3);
-    sample.setAzimuth(4);
-    sample.setElevation(5);
-    sample.setQuality(6);
-    return sample;
-}
-
-DFSpectrumSample dfSampleWithWave()
-{
-    DFSpectrumSample sample = dfSample();
-    const std::int16_t entries[] = {7};
-    SuperResolutionSample &waves = sample.createSuperResolutionSample();
-    waves.setLevel(entries, 1);
-    waves.setQuality(entries, 1);
-    return sample;
 }
 
 PixelMap pixelMap()
@@ -100,6 +69,10 @@ std::vector<GoldenMessage> makeMessages()
                          const std::string &payload, std::vector<int> types) {
         rows.push_back({name, std::move(message), payload, std::move(types)});
     };
+    const auto sample = [&]<typename Handler>(const char *name, std::vector<int> types) {
+        add(name, value(goldens::Golden<Handler>::sample()),
+            fromHex(goldens::Golden<Handler>::bytes().raw), std::move(types));
+    };
     const std::string one = "000000000000f03f", two = "0000000000000040";
 
     add("id", make<MDataId>(MDT_None), "", {14, 47, 68});
@@ -113,15 +86,13 @@ std::vector<GoldenMessage> makeMessages()
     add("float", value(1.0F), fromHex("0000803f"), {59, 60});
     add("double", value(1.0), fromHex(one), {1, 9, 11, 37, 45, 61});
     add("unsigned 64", value<std::uint64_t>(0x0102030405060708), fromHex("0807060504030201"), {13});
-    add("bearing", value(kBearing), fromHex("01000000 feffffff e110 9f8c 9cff 6300"), {62});
-    add("minmax", value(MinMax(-300, 450)), fromHex("d4fe c201"), {63, 64});
-    add("bearing extended",
-        value(BearingExtended{kBearing, BearingExtended::Validity::blank, 1000}),
-        fromHex("01000000 feffffff e110 9f8c 9cff 6300 02 e803"), {65});
-    add("pulse", value(pulse()), fromHex("6400 c800 ceff 0102 03"), {66});
-    add("df sample", value(dfSample()), fromHex("01 0100 0200 0300 0400 0500 0600 00"), {75});
-    add("df sample with a wave", value(dfSampleWithWave()),
-        fromHex("01 0100 0200 0300 0400 0500 0600 01  01 02 0700 0080 0000 0000 0700"), {75});
+    sample.operator()<BearingHandler>("bearing", {62});
+    sample.operator()<MinMaxHandler>("minmax", {63, 64});
+    sample.operator()<BearingExtendedHandler>("bearing extended", {65});
+    sample.operator()<PulseHandler>("pulse", {66});
+    sample.operator()<DFSpectrumSampleHandler>("df sample with two waves", {75});
+    add("df sample", value(DFSpectrumSample()), fromHex("00 0080 0080 0080 0000 0000 0000 00"),
+        {75});
     add("axis", value(AxisData{1.0, 2.0, 800, 1, 0.0}),
         fromHex(one + two + "2003 01 0000000000 0000000000000000"), {41});
     add("pixel map", value(pixelMap()), pixelMapPayload(), {40});
@@ -177,11 +148,6 @@ std::string GoldenMessage::image(int type) const
     std::string bytes(4, '\0');
     bytes[0] = char(type);
     return bytes + payload + ";";
-}
-
-std::string fromHex(const std::string &digits)
-{
-    return QByteArray::fromHex(QByteArray::fromStdString(digits)).toStdString();
 }
 
 const std::vector<GoldenMessage> &goldenMessages()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "byteimages.h"
 #include "scanbuffer/mdatatypes.h"
 
 #include <memory>
@@ -17,8 +18,5 @@ struct GoldenMessage {
     /// The whole image under one of the types.
     std::string image(int type) const;
 };
-
-/// The bytes that hexadecimal digits name; blanks and line ends are skipped.
-std::string fromHex(const std::string &digits);
 
 const std::vector<GoldenMessage> &goldenMessages();

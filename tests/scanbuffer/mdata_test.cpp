@@ -1,5 +1,5 @@
+#include "fault.h"
 #include "goldenmessages.h"
-#include "platform/base/krexception.h"
 #include "platform/base/zstdcodec.h"
 
 #include <gtest/gtest.h>
@@ -64,29 +64,13 @@ TEST(MData, TypesThatNobodySends)
     EXPECT_EQ(parse(fromHex("00000000 3b")), nullptr);
     EXPECT_EQ(parse(fromHex("4e000000 3b")), nullptr);
     for (const char *type : {"4f000000", "ffffffff"}) {
-        try {
-            parse(fromHex(type));
-            FAIL() << type;
-        } catch (const KRException &error) {
-            EXPECT_EQ(error.GetReason(), QStringLiteral("RangeCheck failed for Enum"));
-            EXPECT_EQ(error.GetFunctionName(), "EnumRangeCheck");
-        }
+        const Fault fault = faultOf([type] { parse(fromHex(type)); });
+        EXPECT_EQ(fault.reason, "RangeCheck failed for Enum");
+        EXPECT_EQ(fault.functionName, "EnumRangeCheck");
     }
     // A marker result that carries a sample can't be told from "nothing there" by its type.
     for (const short sample : {short(5), short(';'), short(0x3b3b)})
         EXPECT_EQ(parse(MYData<short>(sample, MDT_XMarkerResult).GetBinary()), nullptr) << sample;
-}
-
-TEST(MData, HostileCountsTakeNoMemory)
-{
-    const std::string many = "ffffffff", more = "ffffffffffffff7f";
-    for (const std::string &digits :
-         {"11000000" + more + "3b", "18000000" + more + "3b", "26000000" + many + "00000000 3b",
-          "19000000" + more + "3b", "03000000" + many + "3b", "4a000000" + many + "3b",
-          "04000000 01000000" + many + std::string(60, '0'), "05000000" + many + "00 3b",
-          std::string("05000000 05000000 00 7fffffff 3b"),
-          "08000000" + std::string(42, '0') + many + "3b"})
-        EXPECT_EQ(parse(fromHex(digits)), nullptr) << digits;
 }
 
 template <typename Message>
@@ -117,8 +101,8 @@ TEST(MData, FieldsReadAsTheyWereWritten)
     EXPECT_EQ(channels->asChannelRangeDefinition().ChannelIdToFrequency(2), 100.025e6);
     const auto range = parseGolden<MXYZData<double, double, short>>("y range");
     EXPECT_EQ(std::tuple(range->GetValue(), range->YValue(), range->ZValue()), std::tuple(1, 2, 3));
-    const auto sample = parseGolden<MYData<values::DFSpectrumSample>>("df sample with a wave");
-    EXPECT_EQ(sample->GetValue().getSuperResolutionSample()->getWaveCount(), 1u);
+    const auto sample = parseGolden<MYData<values::DFSpectrumSample>>("df sample with two waves");
+    EXPECT_EQ(sample->GetValue().getSuperResolutionSample()->getWaveCount(), 2u);
 }
 
 TEST(MData, SamplesAreRawWhateverTheCompressMode)

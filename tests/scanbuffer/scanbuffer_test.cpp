@@ -1,4 +1,4 @@
-#include "platform/base/krexception.h"
+#include "fault.h"
 #include "scanbuffer/scanbuffer.h"
 #include "scanbuffer/scanbuffersizemanager.h"
 
@@ -266,12 +266,7 @@ TEST(ChannelRangeQueueTest, ForgetsWhatNoLineNeedsAndKeepsItsLimit)
     queue.push(9, grid(3));
     queue.dropBelow(4);
     EXPECT_EQ(queue.size(), 3u) << "line 4 still has the oldest definition";
-    try {
-        queue.push(12, grid(4));
-        FAIL() << "the limit was passed";
-    } catch (const KRException &error) {
-        EXPECT_EQ(error.GetReason(), QStringLiteral("list<T> too long"));
-    }
+    EXPECT_EQ(faultOf([&] { queue.push(12, grid(4)); }).reason, "list<T> too long");
     EXPECT_EQ(queue.current(), grid(3));
     queue.dropBelow(5);
     EXPECT_EQ(queue.size(), 2u);

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
+#include "quiettraces.h"
 #include "valueclasses/commands/valuecommands.h"
 #include "valueclasses/testvalue.h"
 #include "valueclasses/undo/undomanager.h"
@@ -64,6 +64,7 @@ struct RoadCase {
         LossyText = 4,       // text mode doesn't bring it back
         EndsSuppression = 8, // it calls HasChanged, which a transaction doesn't hold back
         NotCompared = 16,    // Compare doesn't look at it
+        NoSource = 32,       // it can't name who makes it
     };
     using Make = std::function<std::unique_ptr<ValueBase>()>;
 
@@ -91,19 +92,23 @@ inline void expectSame(const RoadCase &c, ValueBase &value, ValueBase &wanted)
     }
 }
 
-/// What is left of recorded commands (text mode) when the value reduces them.
-inline std::string optimized(ValueBase &value, const std::string &commands)
+/// Recorded commands (text mode), and what is left of them when the value reduces them.
+inline void expectOptimized(ValueBase &value,
+                            std::initializer_list<std::pair<const char *, const char *>> rows)
 {
-    std::vector<std::unique_ptr<KELM::ICommand>> parsed;
-    value.SetCommandString(commands, parsed, nullptr, ModeText);
-    CommandList list;
-    for (auto &command : parsed)
-        list.emplace_back(dynamic_cast<Command *>(command.release()));
-    value.OptimizeCommandList(list);
-    return ValueBase::CreateCommandString(list, unsigned(ModeText));
+    for (const auto &[recorded, left] : rows) {
+        std::vector<std::unique_ptr<KELM::ICommand>> parsed;
+        value.SetCommandString(recorded, parsed, nullptr, ModeText);
+        CommandList list;
+        for (auto &command : parsed)
+            list.emplace_back(dynamic_cast<Command *>(command.release()));
+        value.OptimizeCommandList(list);
+        EXPECT_EQ(ValueBase::CreateCommandString(list, unsigned(ModeText)), left) << recorded;
+    }
 }
 
-/// A string that ends early is refused, unless it ends between two commands.
+/// A string that ends early is refused, unless it ends between two commands; one with another last
+/// byte always is.
 inline void expectEarlyEndsRefused(ValueBase &value, const std::string &whole, int mode)
 {
     for (std::size_t size = 1; size < whole.size(); ++size) {
@@ -121,6 +126,10 @@ inline void expectEarlyEndsRefused(ValueBase &value, const std::string &whole, i
             dynamic_cast<Command &>(*command).AddCommandString(again, mode);
         EXPECT_EQ(again, prefix);
     }
+    std::vector<std::unique_ptr<KELM::ICommand>> parsed;
+    EXPECT_THROW(
+        value.SetCommandString(whole.substr(0, whole.size() - 1) + '.', parsed, nullptr, mode),
+        KRException);
 }
 
 /// Where it has to be recorded, a change on another thread waits for this one, whole.
@@ -128,9 +137,8 @@ inline void checkForeignRoad(const RoadCase &c)
 {
     const auto before = c.make(), value = c.make(), wanted = c.make();
     Recorder recorder(*value, ModeBinary);
-    ErrorHandler::Instance().SetTraceMask(0);
+    const QuietTraces quiet;
     std::thread([&] { c.set(*value, nullptr); }).join();
-    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
     EXPECT_TRUE(recorder.codes.empty());
     expectSame(c, *value, *before);
     QCoreApplication::processEvents();
@@ -172,13 +180,24 @@ inline void checkRoad(const RoadCase &c, int mode)
     EXPECT_EQ(recorder.codes.empty(), !c.is(RoadCase::Loud) || c.codes.empty());
 }
 
-/// The change in every mode, on another thread, in a transaction, and its undo.
+/// Who makes a change isn't told of it.
+inline void checkSource(const RoadCase &c)
+{
+    CodeLog source; // outlives the value, whose end it is told
+    const auto value = c.make();
+    value->AddObserver(&source);
+    c.set(*value, &source);
+    EXPECT_EQ(source.codes.empty(), !c.is(RoadCase::NoSource));
+}
+
+/// The change in every mode, on another thread, in a transaction, its source and its undo.
 inline void checkRoad(const RoadCase &c)
 {
     SCOPED_TRACE(c.name);
     for (const int mode : {-1, 0, 1, -2, -3})
         checkRoad(c, mode);
     checkForeignRoad(c);
+    checkSource(c);
     UndoOnce undo;
     const auto before = c.make(), value = c.make(), replica = c.make(), other = c.make();
     Recorder recorder(*value, ModeBinaryTagged);
@@ -204,6 +223,28 @@ inline void checkRoad(const RoadCase &c)
     expectSame(c, *value, *before);
     replica->SetCommandString(recorder.transmitted, nullptr, ModeBinaryTagged);
     expectSame(c, *replica, *before);
+}
+
+/// A change of a \a V, in a table.
+template <typename V>
+struct RoadRow {
+    std::string name;
+    std::function<void(V &, IObserver *)> set;
+    std::vector<int> codes;
+    std::string text{};
+    unsigned traits = 0;
+};
+
+template <typename V>
+void checkRoad(const RoadRow<V> &row, const RoadCase::Make &make)
+{
+    checkRoad(
+        {.name = row.name,
+         .make = make,
+         .set = [&row](ValueBase &value, IObserver *on) { row.set(dynamic_cast<V &>(value), on); },
+         .codes = row.codes,
+         .traits = row.traits,
+         .text = row.text});
 }
 
 } // namespace values

@@ -1,3 +1,4 @@
+#include "byteimages.h"
 #include "platform/axis/axisdefinition.h"
 #include "platform/base/bytes.h"
 #include "platform/base/krexception.h"
@@ -14,14 +15,6 @@ namespace {
 
 using Ids = std::vector<unsigned int>;
 constexpr double kLargest = std::numeric_limits<double>::max();
-
-std::string bytes(const std::string &hex)
-{
-    std::string out;
-    for (std::size_t i = 0; i + 1 < hex.size(); i += 3)
-        out += char(std::stoi(hex.substr(i, 2), nullptr, 16));
-    return out;
-}
 
 /// Three ranges whose ids and frequencies do not follow their keys: key 0 has ids 100 to 104,
 /// key 1 ids 0 to 9, key 2 ids 200 to 201 over frequencies of key 1.
@@ -335,7 +328,8 @@ Read read(Form form, const std::string &image, ChannelRangeDefinition before = {
 
 TEST(ChannelRangeStreams, HaveTheBytesWrittenDown)
 {
-    const std::string image = bytes(kNamedForm), old = bytes(kOldForm), oldest = bytes(kOldestForm);
+    const std::string image = fromHex(kNamedForm), old = fromHex(kOldForm),
+                      oldest = fromHex(kOldestForm);
     EXPECT_EQ(Kelm::toStandardString(named()), image);
     EXPECT_EQ(named().toOldStandardString(), old);
     const Read current = read(Form::Current, image), fromOld = read(Form::Old, old);
@@ -353,7 +347,7 @@ TEST(ChannelRangeStreams, HaveTheBytesWrittenDown)
 TEST(ChannelRangeStreams, RefuseWhatAHostilePeerWouldSend)
 {
     for (const auto &[form, whole] :
-         {std::pair(Form::Current, bytes(kNamedForm)), {Form::Old, bytes(kOldForm)}})
+         {std::pair(Form::Current, fromHex(kNamedForm)), {Form::Old, fromHex(kOldForm)}})
         for (std::size_t length = 0; length < whole.size(); ++length)
             EXPECT_NE(read(form, whole.substr(0, length), three()).reason, "") << length;
 
@@ -375,7 +369,7 @@ TEST(ChannelRangeStreams, RefuseWhatAHostilePeerWouldSend)
           {"long name announced", Form::Current, "25" + begun + "7f ff ff fe "},
           {"name of half a character", Form::Current, "26" + begun + "00 00 00 01 41 "},
           {"no terminator", Form::Old, "ff ff 3b "}}) {
-        const Read refused = read(c.form, bytes(c.hex));
+        const Read refused = read(c.form, fromHex(c.hex));
         EXPECT_EQ(refused.reason, c.reason) << c.name;
         if (c.form == Form::Old) {
             EXPECT_EQ(refused.className, "CommandSetChannelRangeDefinition<Y, YHandler>");
@@ -385,19 +379,19 @@ TEST(ChannelRangeStreams, RefuseWhatAHostilePeerWouldSend)
 
 TEST(ChannelRangeStreams, ReadANullNameAndWriteAnEmptyOne)
 {
-    std::string image = bytes(kNamedForm);
+    std::string image = fromHex(kNamedForm);
     image.replace(image.size() - 4, 4, "\xff\xff\xff\xff");
-    EXPECT_EQ(Kelm::toStandardString(read(Form::Current, image).definition), bytes(kNamedForm));
+    EXPECT_EQ(Kelm::toStandardString(read(Form::Current, image).definition), fromHex(kNamedForm));
 }
 
 TEST(ChannelRangeStreams, OldFormAddsToWhatIsThere)
 {
-    const Read none = read(Form::Old, bytes("00 00 3b "), three());
+    const Read none = read(Form::Old, fromHex("00 00 3b "), three());
     EXPECT_EQ(none.consumed, 3U);
     EXPECT_EQ(none.definition, three());
 
     ChannelRangeDefinition target = three();
-    const std::string some = bytes(kOldForm);
+    const std::string some = fromHex(kOldForm);
     const char *cursor = some.data(); // its key 0 overwrites, but its ids 1 to 3 are those of key 1
     EXPECT_THROW(target.fromOldCharStream(&cursor), DuplicateChannelIdException);
     EXPECT_EQ(cursor, some.data()) << "nothing has moved";

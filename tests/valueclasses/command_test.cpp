@@ -1,5 +1,5 @@
 // Golden bytes of the fields and of the commands that every value understands.
-#include "platform/base/krexception.h"
+#include "fault.h"
 #include "valueclasses/commands/streamformat.h"
 #include "valueclasses/commands/valuecommands.h"
 #include "valueclasses/testvalue.h"
@@ -177,14 +177,11 @@ TEST(CommandString, RefusesWhatIsMalformedAndChangesNothing)
         SCOPED_TRACE(::testing::PrintToString(row.bytes));
         Value<int> value;
         std::vector<std::unique_ptr<KELM::ICommand>> commands(1);
-        try {
-            value.SetCommandString(row.bytes, commands, nullptr, row.mode);
-            ADD_FAILURE() << "no error";
-        } catch (const KRException &error) {
-            EXPECT_EQ(error.what(), row.reason);
-            if (!row.className.empty()) {
-                EXPECT_EQ(error.GetClassName(), row.className);
-            }
+        const Fault fault =
+            faultOf([&] { value.SetCommandString(row.bytes, commands, nullptr, row.mode); });
+        EXPECT_EQ(fault.reason, row.reason);
+        if (!row.className.empty()) {
+            EXPECT_EQ(fault.className, row.className);
         }
         EXPECT_EQ(commands.size(), 1U);
         EXPECT_THROW(value.SetCommandString(row.bytes, nullptr, row.mode), KRException);
@@ -224,14 +221,11 @@ TEST(CommandString, NamesTheCommandWhoseBytesEndTooEarly)
     for (const Case &row : cases)
         for (const std::string &bytes : row.strings) {
             SCOPED_TRACE(row.className + " " + ::testing::PrintToString(bytes));
-            try {
-                row.value.SetCommandString(bytes, nullptr, row.mode);
-                ADD_FAILURE() << "no error";
-            } catch (const KRException &error) {
-                EXPECT_STREQ(error.what(), "Command string is not terminated with ';'");
-                EXPECT_EQ(error.GetClassName(), row.className);
-                EXPECT_EQ(error.GetFunctionName(), row.functionName);
-            }
+            const Fault fault =
+                faultOf([&] { row.value.SetCommandString(bytes, nullptr, row.mode); });
+            EXPECT_EQ(fault.reason, "Command string is not terminated with ';'");
+            EXPECT_EQ(fault.className, row.className);
+            EXPECT_EQ(fault.functionName, row.functionName);
         }
 }
 

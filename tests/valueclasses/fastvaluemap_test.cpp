@@ -129,15 +129,8 @@ protected:
 using AllPairs = SamplePairList<::testing::Types>;
 TYPED_TEST_SUITE(FastValueMapTest, AllPairs, SamplePairNames);
 
-template <typename Number>
-std::string le(Number number)
-{
-    std::string out;
-    Kelm::appendLittleEndian(out, number);
-    return out;
-}
-std::string le32(std::uint32_t number) { return le(number); }
-std::string le64(double number) { return le(number); }
+std::string le32(std::uint32_t number) { return raw(number); }
+std::string le64(double number) { return raw(number); }
 
 TYPED_TEST(FastValueMapTest, FeedsTheBufferWithOneCallAScan)
 {
@@ -193,7 +186,7 @@ TYPED_TEST(FastValueMapTest, CommandsHaveTheseBytesInBothCompressModes)
     for (const char mode : {DataRaw, DataCompressed}) {
         HandlerBase::SetDataCompressMode(mode);
         const goldens::Bytes golden = Golden<Handler>::bytes();
-        const std::string one = goldens::bytes(mode == DataRaw ? golden.raw : golden.compressed);
+        const std::string one = fromHex(mode == DataRaw ? golden.raw : golden.compressed);
         const auto check = [&](const Command &command, int id, int oldId,
                                const std::string &payload) {
             SCOPED_TRACE(std::to_string(id) + " in compress mode " + std::to_string(mode));
@@ -267,7 +260,7 @@ TYPED_TEST(FastValueMapTest, WithoutABufferSamplesGoTheWayOfAValueMap)
     auto &map = this->fast;
     this->giveGrid();
     map.CommandRecordingOnForTransmission();
-    const std::string one = goldens::bytes(Golden<Handler>::bytes().raw);
+    const std::string one = fromHex(Golden<Handler>::bytes().raw);
     const typename TestFixture::Lists expected{"", "123;" + le64(102) + le64(103) + le32(2) + one +
                                                        one + ";120;" + le64(200) + one + ";"};
     map.SetChannelValues(12, 3, this->samples(3).data());
@@ -286,8 +279,8 @@ TYPED_TEST(FastValueMapTest, AStringIsInTheModesThatItSets)
     using SetValue = CommandSetXYValue<typename TestFixture::Sample, Handler>;
     auto &map = this->fast;
     const goldens::Bytes golden = Golden<Handler>::bytes();
-    const std::string raw = "120;" + le64(1) + goldens::bytes(golden.raw) + ";";
-    const std::string compressed = "120;" + le64(1) + goldens::bytes(golden.compressed) + ";";
+    const std::string raw = "120;" + le64(1) + fromHex(golden.raw) + ";";
+    const std::string compressed = "120;" + le64(1) + fromHex(golden.compressed) + ";";
     const auto setValue = [&] { SetValue(&map, nullptr, 1.0, this->samples(1)[0]).Execute(); };
     map.CommandRecordingOnForTransmission();
     setValue();
@@ -312,7 +305,7 @@ TYPED_TEST(FastValueMapTest, AStringIsInTheModesThatItSets)
 TYPED_TEST(FastValueMapTest, PrintsSerialisedSamples)
 {
     using Handler = typename TestFixture::YHandler;
-    const std::string sample = goldens::bytes(Golden<Handler>::bytes().raw);
+    const std::string sample = fromHex(Golden<Handler>::bytes().raw);
     EXPECT_NE(this->fast.Binary2FormattedString(0, sample.data()), "---");
     std::string invalid(64, '\0');
     Handler::ToBinary(invalid.data(), Handler::Minimum());
@@ -512,7 +505,7 @@ TEST_F(LevelMap, ARecordedChangeIsToldAndLeavesNothingBehind)
         std::vector<int> codes;
         std::string ownCommands, sentCommands;
     };
-    const std::string change = "0;10;", stamp = "29;" + le(std::uint64_t(5)) + ";";
+    const std::string change = "0;10;", stamp = "29;" + raw(std::uint64_t(5)) + ";";
     for (const Case &c :
          {Case{"nothing recorded", false, false, false, {}, "", ""},
           {"own", false, true, false, {CC_FAST_MAP}, stamp + change, ""},

@@ -1,7 +1,7 @@
 // Curves over frequency: points, lines, forms, and their value in the tree.
 #include "platform/axis/axisdefinition.h"
-#include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
+#include "quiettraces.h"
 #include "valueclasses/changeroad.h"
 #include "valueclasses/kfactorvalue.h"
 #include "valueclasses/recordsamples.h"
@@ -220,7 +220,7 @@ TEST(KFactors, AreSavedWithTheirOffsetsAndLoseMinima)
     EXPECT_EQ(odd.GetDescription(), " x ");
     EXPECT_EQ(odd.GetList(), (Points{{1e6, 2, kNone}})) << "only an empty line ends it";
     EXPECT_TRUE(FormatKFactor::GetValue("").GetList().empty());
-    ErrorHandler::Instance().SetTraceMask(0);
+    const QuietTraces quiet;
     EXPECT_EQ(loaded.LoadFromFile(folder.filePath("none")), -1);
     EXPECT_EQ(loaded.LoadFromFile(folder.path()), -1);
     EXPECT_EQ(loaded.LoadFromFile("/proc/self/mem"), -1) << "an error while it is read";
@@ -229,7 +229,6 @@ TEST(KFactors, AreSavedWithTheirOffsetsAndLoseMinima)
     high.SetMaxOffset(1e308);
     EXPECT_EQ(high.SaveToFile(name), -1);
     EXPECT_EQ(loaded.LoadFromFile(name), 0) << "the old file";
-    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
     EXPECT_EQ(loaded.GetList().size(), 2U);
 }
 
@@ -262,40 +261,26 @@ TEST(KFactors, WriteTheirImage)
 
 std::unique_ptr<ValueKFactor> makeValue() { return std::make_unique<ValueKFactor>("k", curve()); }
 
+#define SET(...) [](V &v, IObserver *on) { v.__VA_ARGS__; }
+
 TEST(ValueKFactor, GoesTheRoadOfAChange)
 {
     using V = ValueKFactor;
-    const auto road = [](const char *name, std::function<void(V &)> set) {
-        return RoadCase{
-            .name = name,
-            .make = makeValue,
-            .set = [set](ValueBase &value, IObserver *) { set(dynamic_cast<V &>(value)); },
-            .codes = {CC_VALUE}};
+    const RoadRow<V> rows[] = {
+        {"value", SET(SetValue(curveOf({{1, 2, 3}}), on)), {CC_VALUE}},
+        {"text", SET(SetStringValue("1;2;3", on)), {CC_VALUE}},
+        {"point", SET(Add(3e6, 1, kNone, on)), {CC_VALUE}},
+        {"description", SET(SetDescription("Cable", on)), {CC_VALUE}},
+        {"offset", SET(SetMaxOffset(1, on)), {CC_VALUE}},
+        {"minima", SET(SetUseMin(true, on)), {CC_VALUE}},
+        {"frame", SET(Reduce(2, on)), {CC_VALUE}},
+        {"vector", SET(fromVector({1, 2, 3, 4}, false, on)), {CC_VALUE}},
     };
-    const RoadCase cases[] = {
-        road("value",
-             [](V &v) {
-                 v.SetValue(curveOf({{1, 2, 3}}), nullptr);
-             }),
-        road("text", [](V &v) { v.SetStringValue("1;2;3", nullptr); }),
-        road("point", [](V &v) { v.Add(3e6, 1, kNone, nullptr); }),
-        road("description", [](V &v) { v.SetDescription("Cable", nullptr); }),
-        road("offset", [](V &v) { v.SetMaxOffset(1, nullptr); }),
-        road("minima", [](V &v) { v.SetUseMin(true, nullptr); }),
-        road("frame", [](V &v) { v.Reduce(2, nullptr); }),
-        road("vector",
-             [](V &v) {
-                 v.fromVector({1, 2, 3, 4}, false, nullptr);
-             }),
-    };
-    for (const RoadCase &c : cases)
-        checkRoad(c);
-    checkRoad(
-        {.name = "pure",
-         .make = [] { return std::make_unique<KFactorPure>(); },
-         .set = [](ValueBase &value,
-                   IObserver *on) { dynamic_cast<KFactorPure &>(value).SetValue(curve(), on); },
-         .codes = {CC_VALUE}});
+    for (const RoadRow<V> &row : rows)
+        checkRoad(row, makeValue);
+    checkRoad<KFactorPure>(
+        {"pure", [](KFactorPure &pure, IObserver *on) { pure.SetValue(curve(), on); }, {CC_VALUE}},
+        [] { return std::make_unique<KFactorPure>(); });
 }
 
 TEST(ValueKFactor, UndoesWhatNoStringHolds)
@@ -338,29 +323,17 @@ TEST(ValueKFactor, KeepsItsNameInATreeFile)
     EXPECT_TRUE(restored.GetCurve().IsSame(value->GetCurve()));
 }
 
-TEST(ValueKFactor, IsMadeByNumberAndNameAndPostedWhole)
+TEST(ValueKFactor, IsPostedWhole)
 {
-    const ValueFactory &factory = ValueFactory::Instance();
-    const std::unique_ptr<ValueBase> number(factory.CreateValue(ValueType(73))),
-        name(factory.CreateValue(QString("KFactor"))),
-        pure(factory.CreateValue(QString("KFactorPure - do NOT use, use ValueKFactor instead!"))),
-        copy(factory.CloneValue(*makeValue()));
-    ASSERT_TRUE(number && name && pure && copy);
-    EXPECT_EQ(typeid(*number), typeid(ValueKFactor));
-    EXPECT_EQ(typeid(*name), typeid(ValueKFactor));
-    EXPECT_EQ(typeid(*pure), typeid(KFactorPure));
-    EXPECT_TRUE(copy->Compare(makeValue().get()));
-
     const auto value = makeValue();
     Recorder recorder(*value, ModeBinary);
-    ErrorHandler::Instance().SetTraceMask(0);
+    const QuietTraces quiet;
     std::thread([&] {
         value->Add(KF{3e6, 1}, nullptr);
         EXPECT_TRUE(value->InsertAt(2.5e6, nullptr));
         EXPECT_THROW(value->Add(NAN, 1, kNone, nullptr), KRException) << "told at once";
         EXPECT_THROW(value->SetMaxOffset(NAN, nullptr), KRException);
     }).join();
-    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
     EXPECT_EQ(value->GetList().size(), 2U);
     QCoreApplication::sendPostedEvents();
     EXPECT_EQ(value->GetList().size(), 4U);

@@ -1,9 +1,10 @@
 // Lists and vectors: the road of every change in every kind, the walk, commands in all modes.
-#include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
+#include "quiettraces.h"
 #include "valueclasses/changeroad.h"
 #include "valueclasses/recordsamples.h"
 #include "valueclasses/valuespecialinterest.h"
+#include "waitfor.h"
 
 #include <QCoreApplication>
 #include <gmock/gmock.h>
@@ -26,7 +27,7 @@ using Samples = std::initializer_list<int>;
 template <typename List>
 struct Step {
     const char *name;
-    std::function<void(List &)> change;
+    std::function<void(List &, IObserver *)> change;
     Samples expected;
     std::vector<int> codes; ///< none: it changes nothing
     unsigned traits = RoadCase::Loud;
@@ -38,22 +39,19 @@ void expectStep(const Step<Value> &step, Make make)
 {
     SCOPED_TRACE(step.name);
     const auto value = make({0});
-    step.change(*value);
+    step.change(*value, nullptr);
     EXPECT_TRUE(value->Compare(make(step.expected).get()));
     if (step.codes.empty()) {
         const auto silent = make({0});
         const Recorder recorder(*silent, 0);
-        step.change(*silent);
+        step.change(*silent, nullptr);
         EXPECT_TRUE(recorder.codes.empty());
         EXPECT_TRUE(silent->GetCommandList().empty());
         return;
     }
-    checkRoad(
-        {.name = step.name,
-         .make = [&] { return make({0}); },
-         .set = [&](ValueBase &each, IObserver *) { step.change(static_cast<Value &>(each)); },
-         .codes = step.codes,
-         .traits = step.traits | RoadCase::EndsSuppression});
+    checkRoad<Value>(
+        {step.name, step.change, step.codes, {}, step.traits | RoadCase::EndsSuppression},
+        [&] { return make({0}); });
 }
 
 template <typename List>
@@ -65,7 +63,7 @@ auto makeList(Samples samples)
     return list;
 }
 
-#define SET(...) [&](List &l) { l.__VA_ARGS__; }
+#define SET(...) [&](List &l, [[maybe_unused]] IObserver *on) { l.__VA_ARGS__; }
 
 template <typename List>
 void expectRoadOfList(const char *kind)
@@ -76,24 +74,28 @@ void expectRoadOfList(const char *kind)
     const QString text = F::GetString(b) + '\n' + F::GetString(a) + "\n\nafter an empty line";
     const auto other = makeList<List>({1, 0});
     const Step<List> steps[] = {
-        {"back", SET(PushBack(b, nullptr)), {0, 1}, {5}},
-        {"front", SET(PushFront(b, nullptr)), {1, 0}, {5}},
-        {"before", SET(Insert(a, b, nullptr)), {1, 0}, {5}},
-        {"before nothing", SET(Insert(b, b, nullptr)), {0, 1}, {5}},
-        {"at 0", SET(InsertAt(0, b, nullptr)), {1, 0}, {5}},
-        {"at -1", SET(InsertAt(-1, b, nullptr)), {0, 1}, {5}},
-        {"past the end", SET(InsertAt(7, b, nullptr)), {0, 1}, {5}},
-        {"erase", SET(Erase(l.At(0), nullptr)), {}, {6}, 0},
-        {"erase nothing", SET(Erase(b, nullptr)), {0}, {}},
-        {"erase at", SET(EraseAt(0, nullptr)), {}, {6}, 0},
-        {"erase past the end", SET(EraseAt(1, nullptr)), {0}, {}},
-        {"erase before 0", SET(EraseAt(-1, nullptr)), {0}, {}},
-        {"erase current", SET(First(), l.EraseCurrent(nullptr)), {}, {6}, 0},
-        {"erase at the end", SET(EraseCurrent(nullptr)), {0}, {}},
-        {"set", SET(SetList({b, a}, nullptr)), {1, 0}, {7}},
-        {"clear", SET(Clear(nullptr)), {}, {8}},
-        {"assign", SET(Assign(*other)), {1, 0}, {7}, RoadCase::Loud | RoadCase::NoUndo},
-        {"text", SET(SetStringValue(text, nullptr)), {1, 0}, {8, 5, 5, 7}},
+        {"back", SET(PushBack(b, on)), {0, 1}, {5}},
+        {"front", SET(PushFront(b, on)), {1, 0}, {5}},
+        {"before", SET(Insert(a, b, on)), {1, 0}, {5}},
+        {"before nothing", SET(Insert(b, b, on)), {0, 1}, {5}},
+        {"at 0", SET(InsertAt(0, b, on)), {1, 0}, {5}},
+        {"at -1", SET(InsertAt(-1, b, on)), {0, 1}, {5}},
+        {"past the end", SET(InsertAt(7, b, on)), {0, 1}, {5}},
+        {"erase", SET(Erase(l.At(0), on)), {}, {6}, 0},
+        {"erase nothing", SET(Erase(b, on)), {0}, {}},
+        {"erase at", SET(EraseAt(0, on)), {}, {6}, 0},
+        {"erase past the end", SET(EraseAt(1, on)), {0}, {}},
+        {"erase before 0", SET(EraseAt(-1, on)), {0}, {}},
+        {"erase current", SET(First(), l.EraseCurrent(on)), {}, {6}, 0},
+        {"erase at the end", SET(EraseCurrent(on)), {0}, {}},
+        {"set", SET(SetList({b, a}, on)), {1, 0}, {7}},
+        {"clear", SET(Clear(on)), {}, {8}},
+        {"assign",
+         SET(Assign(*other)),
+         {1, 0},
+         {7},
+         RoadCase::Loud | RoadCase::NoUndo | RoadCase::NoSource},
+        {"text", SET(SetStringValue(text, on)), {1, 0}, {8, 5, 5, 7}},
     };
     for (const Step<List> &step : steps)
         expectStep(step, makeList<List>);
@@ -128,8 +130,9 @@ void expectRoadOfVector(const char *kind)
         return vector;
     };
     const std::vector<T> items{sample<T>(1), sample<T>(0)};
-    expectStep<Vector>({"set", [&](Vector &v) { v.SetValue(items, nullptr); }, {1, 0}, {CC_VALUE}},
-                       make);
+    expectStep<Vector>(
+        {"set", [&](Vector &v, IObserver *on) { v.SetValue(items, on); }, {1, 0}, {CC_VALUE}},
+        make);
     const auto vector = make({});
     vector->SetStringValue(
         Vector::Format::GetString(items[0]) + '\n' + Vector::Format::GetString(items[1]), nullptr);
@@ -165,28 +168,6 @@ TEST(Vectors, ClearWithoutANotificationAndReadTextWithoutACommand)
     vector.SetUndoManager(nullptr);
 }
 
-template <typename Value>
-void expectCountsRefused(Value &value, const std::string &head)
-{
-    const std::string before = value.GetObjectStateStringForTransmission(0);
-    for (const auto &[commands, mode] : {std::pair(head + "\xFF\xFF;"s, 0),
-                                         {head + "65535;1;", -1},
-                                         {head + "65536;", -1},
-                                         {head + "-1;", -1},
-                                         {head + "x;", -1}})
-        EXPECT_THROW(value.SetCommandString("22;" + commands, nullptr, mode), KRException)
-            << commands;
-    EXPECT_EQ(value.GetObjectStateStringForTransmission(0), before);
-}
-
-TEST(Lists, RefuseCountsThatTheirStringsDoNotHold)
-{
-    expectCountsRefused(*makeList<ValueList<int>>({1, 0}), "23;");
-    ValueVector<int> vector;
-    vector.SetValue({1, 2}, nullptr);
-    expectCountsRefused(vector, "20;");
-}
-
 using IntList = ValueList<int>;
 
 IntList listOf(std::list<int> items)
@@ -196,22 +177,32 @@ IntList listOf(std::list<int> items)
     return list;
 }
 
+TEST(Lists, RefuseCountsThatNoCommandHas)
+{
+    IntList list;
+    ValueVector<int> vector;
+    for (const std::string count : {"65536;", "x;"}) {
+        EXPECT_THROW(list.SetCommandString("23;" + count, nullptr, ModeText), KRException);
+        EXPECT_THROW(vector.SetCommandString("20;" + count, nullptr, ModeText), KRException);
+    }
+}
+
 TEST(Lists, WriteTheirCommands)
 {
     using List = IntList;
     struct Row {
         const char *name;
-        std::function<void(IntList &)> change;
+        std::function<void(IntList &, IObserver *)> change;
         std::string text, binary;
     } const rows[] = {
-        {"back", SET(PushBack(7, nullptr)), "20;-1;7;", "20;\xFF\xFF\xFF\xFF\x07\0\0\0;"s},
-        {"front", SET(PushFront(7, nullptr)), "20;0;7;", "20;\0\0\0\0\x07\0\0\0;"s},
-        {"before", SET(Insert(2, 7, nullptr)), "20;1;7;", "20;\x01\0\0\0\x07\0\0\0;"s},
-        {"at", SET(InsertAt(9, 7, nullptr)), "20;9;7;", "20;\x09\0\0\0\x07\0\0\0;"s},
-        {"erase at", SET(EraseAt(1, nullptr)), "21;2;", "21;\x02\0\0\0;"s},
-        {"clear", SET(Clear(nullptr)), "22;", "22;"},
-        {"set", SET(SetList({3, 4}, nullptr)), "23;2;3;4;", "23;\x02\0\x03\0\0\0\x04\0\0\0;"s},
-        {"set to nothing", SET(SetList({}, nullptr)), "23;0;", "23;\0\0;"s},
+        {"back", SET(PushBack(7, on)), "20;-1;7;", "20;\xFF\xFF\xFF\xFF\x07\0\0\0;"s},
+        {"front", SET(PushFront(7, on)), "20;0;7;", "20;\0\0\0\0\x07\0\0\0;"s},
+        {"before", SET(Insert(2, 7, on)), "20;1;7;", "20;\x01\0\0\0\x07\0\0\0;"s},
+        {"at", SET(InsertAt(9, 7, on)), "20;9;7;", "20;\x09\0\0\0\x07\0\0\0;"s},
+        {"erase at", SET(EraseAt(1, on)), "21;2;", "21;\x02\0\0\0;"s},
+        {"clear", SET(Clear(on)), "22;", "22;"},
+        {"set", SET(SetList({3, 4}, on)), "23;2;3;4;", "23;\x02\0\x03\0\0\0\x04\0\0\0;"s},
+        {"set to nothing", SET(SetList({}, on)), "23;0;", "23;\0\0;"s},
     };
     for (const Row &row : rows) {
         SCOPED_TRACE(row.name);
@@ -225,7 +216,7 @@ TEST(Lists, WriteTheirCommands)
             binary = list.GetCommandStringForRecording(0);
         };
         list.AddObserver(&log);
-        row.change(list);
+        row.change(list, nullptr);
         const std::string change = "0;" + std::to_string(log.codes.at(0)) + ";";
         EXPECT_EQ(text, "3;" + row.text + change)
             << "the change is recorded and ends a suppression";
@@ -308,16 +299,15 @@ TEST(Lists, FindAnElementThatIsNoNumber)
 TEST(Lists, OptimizeToWhatFollowsTheLastClear)
 {
     IntList list;
-    for (const auto &[recorded, left] :
-         {std::pair("20;-1;1;23;2;1;2;0;7;", "20;-1;1;23;2;1;2;0;7;"), // a list set is no barrier
-          {"0;7;1;2;20;-1;3;0;5;22;0;8;20;-1;4;0;5;", "0;7;1;2;0;5;22;0;8;20;-1;4;0;5;"},
-          {"20;-1;3;22;21;3;22;", "22;"}})
-        EXPECT_EQ(optimized(list, recorded), left);
+    expectOptimized(list,
+                    {{"20;-1;1;23;2;1;2;0;7;", "20;-1;1;23;2;1;2;0;7;"}, // a list set is no barrier
+                     {"0;7;1;2;20;-1;3;0;5;22;0;8;20;-1;4;0;5;", "0;7;1;2;0;5;22;0;8;20;-1;4;0;5;"},
+                     {"20;-1;3;22;21;3;22;", "22;"}});
 }
 
 TEST(Lists, ReportPositionsThatAreNotThere)
 {
-    ErrorHandler::Instance().SetTraceMask(TraceAssertions);
+    const QuietTraces asserts(TraceAssertions);
     static QStringList traces;
     const auto handler = qInstallMessageHandler(
         [](QtMsgType, const QMessageLogContext &, const QString &text) { traces << text; });
@@ -325,7 +315,6 @@ TEST(Lists, ReportPositionsThatAreNotThere)
     list.EraseAt(1, nullptr);
     list.Insert(5, 6, nullptr);
     qInstallMessageHandler(handler);
-    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
     ASSERT_EQ(traces.size(), 2);
     EXPECT_TRUE(traces[0].contains("long(m_items.size()) > iIdx"));
     EXPECT_TRUE(traces[1].contains("it != m_items.end()"));
@@ -407,26 +396,9 @@ TEST(SpecialInterest, ChangesTheInterestOfAnElementByOneCommand)
     };
     using List = ValueSpecialInterest;
     const Step<List> steps[] = {
-        {"change",
-         [](List &l) {
-             l.ChangeInterest({2, "guid", "0"}, nullptr);
-         },
-         {2},
-         {3},
-         0},
-        {"same",
-         [](List &l) {
-             l.ChangeInterest({0, "guid", "0"}, nullptr);
-         },
-         {0},
-         {}},
-        {"new",
-         [](List &l) {
-             l.ChangeInterest({3, "guid", "1"}, nullptr);
-         },
-         {0, 3},
-         {5},
-         0},
+        {"change", SET(ChangeInterest({2, "guid", "0"}, on)), {2}, {3}, 0},
+        {"same", SET(ChangeInterest({0, "guid", "0"}, on)), {0}, {}},
+        {"new", SET(ChangeInterest({3, "guid", "1"}, on)), {0, 3}, {5}, 0},
     };
     for (const Step<List> &step : steps)
         expectStep(step, make);
@@ -442,17 +414,15 @@ TEST(ValueLists, AnAssignmentEndsOnTheApplicationThread)
     list.CommandRecordingOn();
     const ValueList<int> empty;
     std::atomic<bool> done = false;
-    ErrorHandler::Instance().SetTraceMask(0);
+    const QuietTraces quiet;
     std::thread poster([&] {
         for (int i = 0; i < 5000; ++i)
             list.Assign(empty);
         done = true;
     });
-    while (!done)
-        QCoreApplication::processEvents();
+    EXPECT_TRUE(waitFor([&] { return done.load(); }));
     poster.join();
     QCoreApplication::processEvents();
-    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
     EXPECT_EQ(list.Size(), 0);
 }
 

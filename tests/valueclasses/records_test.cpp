@@ -1,5 +1,5 @@
 // The elements of lists: their texts and their images, written out.
-#include "platform/base/krexception.h"
+#include "fault.h"
 #include "valueclasses/changeroad.h"
 #include "valueclasses/itemmaps/iglobalformatter.h"
 #include "valueclasses/records/detectionadapters.h"
@@ -284,33 +284,17 @@ TEST(Records, RefuseTextsThatAreNotTheirs)
     expectRefused<FormatHVMapRange>({"1;2;3;4", "1;2;x"});
     const QString extended = FormatExtendedDetectionConventional::GetString({});
     EXPECT_THROW(FormatExtendedDetectionConventional::GetValue(extended + "#"), KRException);
-    try {
-        FormatHVMapRange::GetValue("1;;3");
-        ADD_FAILURE();
-    } catch (const KRException &error) {
-        EXPECT_EQ(error.GetReason(), "! sToken.isEmpty()");
-    }
-}
-
-TEST(Records, RefuseCountsThatTheirImagesDoNotHold)
-{
-    const std::string huge = std::string(12, '\0') + std::string(16, '\xFF');
-    const Kelm::ReadScope scope(huge.data(), huge.size());
-    const char *pos = huge.data() + 12;
-    EXPECT_THROW(Kelm::fromCharStream<Wkf>(&pos), KRException);
-    pos = huge.data();
-    EXPECT_THROW(Kelm::fromCharStream<BaseStation>(&pos), KRException);
+    EXPECT_EQ(faultOf([] { FormatHVMapRange::GetValue("1;;3"); }).reason, "! sToken.isEmpty()");
 }
 
 TEST(Records, AreValuesOfTheirOwnToo)
 {
-    const auto set = [](ValueBase &value, IObserver *on) {
-        static_cast<Value<BearingResult> &>(value).SetValue(sample<BearingResult>(1), on);
-    };
-    checkRoad({.name = "bearing",
-               .make = [] { return std::make_unique<Value<BearingResult>>(); },
-               .set = set,
-               .codes = {CC_VALUE}});
+    using Held = Value<BearingResult>;
+    checkRoad<Held>(
+        {"bearing",
+         [](Held &value, IObserver *on) { value.SetValue(sample<BearingResult>(1), on); },
+         {CC_VALUE}},
+        [] { return std::make_unique<Held>(); });
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "byteimages.h"
 #include "valueclasses/records/sequencekinds.h"
 
 namespace values {
@@ -33,15 +34,6 @@ void vary(T &field, int i)
         field = char('A' + i);
     else
         field = T(i);
-}
-
-/// The image of a number.
-template <typename T>
-std::string raw(T number)
-{
-    std::string image;
-    Kelm::appendLittleEndian(image, number);
-    return image;
 }
 
 /// An element: those of different \a i differ, as far as the type can.

@@ -1,20 +1,12 @@
 #pragma once
 
+#include "byteimages.h"
 #include "valueclasses/samples/samplepairs.h"
 
 #include <string>
 
 /// One sample of each pair and its bytes, written out by hand.
 namespace goldens {
-
-/// The bytes of "0a ff ...".
-inline std::string bytes(const std::string &hex)
-{
-    std::string out;
-    for (std::size_t i = 0; i + 1 < hex.size(); i += 3)
-        out += char(std::stoi(hex.substr(i, 2), nullptr, 16));
-    return out;
-}
 
 /// `raw` is the form of mode 0, `compressed` that of mode 1, and `back` is the raw form of what a
 /// reader in mode 1 gets from it.

@@ -1,5 +1,5 @@
-#include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
+#include "quiettraces.h"
 #include "valueclasses/commands/valuecommands.h"
 #include "valueclasses/testvalue.h"
 #include "valueclasses/undo/undomanager.h"
@@ -248,7 +248,7 @@ TEST_F(UndoTest, ATransactionIsUndoneAsOne)
 
 TEST_F(UndoTest, AStackIsFinishedWithItsLastOpenTransaction)
 {
-    ErrorHandler::Instance().SetTraceMask(0);
+    const QuietTraces quiet;
     Value<int> leaving;
     leaving.SetUndoManager(&undo);
     value.StartTransaction(nullptr); // before there is a stack: its end belongs to none
@@ -269,7 +269,6 @@ TEST_F(UndoTest, AStackIsFinishedWithItsLastOpenTransaction)
     EXPECT_EQ(value.GetValue(), 0);
     EXPECT_FALSE(value.IsTransactionActive());
     EXPECT_FALSE(other.IsTransactionActive());
-    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
 }
 
 /// A value in the trees of a server and a client, and the connection between them: what one side

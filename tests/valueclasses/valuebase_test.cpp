@@ -207,16 +207,6 @@ TEST(ValueBase, CopiesWhatItSaysAndComparesIt)
     }
 }
 
-TEST(ValueBase, TimerOperationsExistToBeOverridden)
-{
-    TestValue value;
-    EXPECT_NE(value.SetUpdateTimerTime(60000), 0);
-    EXPECT_EQ(value.SetUpdateTimerTime(0), 0);
-    EXPECT_THROW(value.OnTimer(1), KRException);
-    EXPECT_THROW(value.OverrideTimer(1), KRException);
-    EXPECT_THROW(value.KillOverrideTimer(1), KRException);
-}
-
 TEST(ValueBase, TellsItsEndInOrder)
 {
     CodeLog log;

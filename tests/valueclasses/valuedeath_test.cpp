@@ -1,5 +1,5 @@
 // Somebody who is told of a change deletes the value while the operation that told still runs.
-#include "platform/base/errorhandler.h"
+#include "quiettraces.h"
 #include "valueclasses/records/sequencekinds.h"
 #include "valueclasses/selection/valuemultiselection.h"
 #include "valueclasses/selection/valueselectionhelpers.h"
@@ -171,7 +171,7 @@ const Case kCases[] = {
 /// The address sanitizer sees who still touches the value.
 TEST(ValueDeath, AValueMayGoAtAnyStepOfAnOperation)
 {
-    ErrorHandler::Instance().SetTraceMask(0); // each death in a notification is traced
+    const QuietTraces quiet; // each death in a notification is traced
     for (const Case &row : kCases)
         for (const bool undone : {false, true}) {
             SCOPED_TRACE(std::string(row.name) + (undone ? ", undone" : ""));
@@ -199,7 +199,6 @@ TEST(ValueDeath, AValueMayGoAtAnyStepOfAnOperation)
                 EXPECT_TRUE(life.IsGone());
             }
         }
-    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
 }
 
 } // namespace

@@ -1,13 +1,13 @@
 // Which thread may do what with a value, and how changes cross over to the application thread.
-#include "platform/base/errorhandler.h"
 #include "platform/base/kelmos.h"
 #include "platform/base/krexception.h"
+#include "quiettraces.h"
 #include "valueclasses/notifydistinction.h"
 #include "valueclasses/testvalue.h"
 #include "valueclasses/valuenumeric.h"
+#include "waitfor.h"
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <gmock/gmock.h>
 
 #include <memory>
@@ -52,7 +52,7 @@ TEST(ValueThreads, ARecordedChangeIsPostedWhole)
         };
         value.AddObserver(&log);
         value.CommandRecordingOn();
-        ErrorHandler::Instance().SetTraceMask(0);
+        const QuietTraces quiet;
         runElsewhere([&] {
             if (asString) {
                 EXPECT_THROW(value.SetCommandString("1;2;x", nullptr, -1), KRException);
@@ -65,7 +65,6 @@ TEST(ValueThreads, ARecordedChangeIsPostedWhole)
             value.EndTransaction(CC_VALUE, nullptr);
             EXPECT_EQ(value.SetUpdateTimerTime(1000), 0);
         });
-        ErrorHandler::Instance().SetTraceMask(TraceWarnings);
         EXPECT_EQ(value.GetState(), VS_NORMAL);
         QCoreApplication::processEvents();
         EXPECT_EQ(value.GetState(), VS_DISABLED);
@@ -79,12 +78,11 @@ TEST(ValueThreads, APostedChangeReadsWhatEarlierOnesSet)
 {
     ValueNumeric<int> value("Gain", 1, 0, 100, 1);
     value.CommandRecordingOn();
-    ErrorHandler::Instance().SetTraceMask(0);
+    const QuietTraces quiet;
     runElsewhere([&] {
         value.SetStep(5, nullptr);
         value.SetMinMax({0, 10}, nullptr);
     });
-    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
     QCoreApplication::processEvents();
     EXPECT_EQ(value.GetMax(), 10);
     EXPECT_EQ(value.GetStep(), 5);
@@ -96,12 +94,11 @@ TEST(ValueThreads, PostedChangesStayInOrderWhenRecordingEnds)
     TestValue value;
     value.AddObserver(&log);
     value.CommandRecordingOn();
-    ErrorHandler::Instance().SetTraceMask(0);
+    const QuietTraces quiet;
     runElsewhere([&] {
         const ValueTransaction transaction(value, {CC_VALUE, CC_LIMITS}, nullptr);
         value.CommandRecordingOff(); // the start waits, so the end has to
     });
-    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
     EXPECT_FALSE(value.IsTransactionActive());
     QCoreApplication::processEvents();
     EXPECT_THAT(log.take(), ElementsAre(CC_VALUE, CC_LIMITS));
@@ -151,19 +148,13 @@ TEST(ValueThreads, AFloodWaitsForTheApplicationThreadAndLosesNothing)
     TestValue value;
     value.AddObserver(&log);
     value.CommandRecordingOn();
-    ErrorHandler::Instance().SetTraceMask(0);
+    const QuietTraces quiet;
     std::thread flood([&] {
         for (int i = 0; i < kChanges; ++i)
             value.HasChanged(CC_VALUE, nullptr);
     });
-    for (QElapsedTimer since; log.codes.size() < kChanges;) {
-        if (!since.isValid())
-            since.start();
-        ASSERT_LT(since.elapsed(), 20000);
-        QCoreApplication::processEvents();
-    }
+    EXPECT_TRUE(waitFor([&] { return log.codes.size() >= kChanges; }));
     flood.join();
-    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
 }
 
 TEST(ValueThreads, AFloodOfNotificationsEndsWithTheNewestState)
@@ -199,9 +190,8 @@ TEST(ValueThreads, WhatIsUnderWayDiesWithTheValue)
     log.then = [](Observable *, TChangeCode) { QCoreApplication::processEvents(); };
     runElsewhere([&] { value->SetValue(2, nullptr); });
     value->CommandRecordingOn();
-    ErrorHandler::Instance().SetTraceMask(0);
+    const QuietTraces quiet;
     runElsewhere([&] { value->SetValue(3, nullptr); });
-    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
     value.reset();
     QCoreApplication::processEvents();
     EXPECT_THAT(log.codes, ElementsAre(CC_STATE));
@@ -221,12 +211,7 @@ TEST(ValueThreads, ManyThreadsMayNotifyAtOnce)
         });
     for (std::thread &thread : threads)
         thread.join();
-    for (QElapsedTimer since; log.codes.size() < kThreads * kChanges;) {
-        if (!since.isValid())
-            since.start();
-        ASSERT_LT(since.elapsed(), 10000);
-        QCoreApplication::processEvents();
-    }
+    EXPECT_TRUE(waitFor([&] { return log.codes.size() >= kThreads * kChanges; }));
 }
 
 TEST(ValueThreads, IgnoresEventsOfOtherTypes)

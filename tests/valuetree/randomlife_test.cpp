@@ -1,6 +1,6 @@
 // Values of every kind: making and copying them, and long random lives of a tree with all of them,
 // which undo takes back whole and a copy of the tree follows by the recorded strings.
-#include "platform/base/errorhandler.h"
+#include "quiettraces.h"
 #include "valueclasses/changeroad.h"
 #include "valueclasses/valuefactory.h"
 #include "valuetree/everykind.h"
@@ -215,7 +215,7 @@ TEST(EveryKind, IsMadeByItsNameAndCopied)
 
 TEST(RandomLife, IsUndoneToTheFirstStateAndFollowedByACopy)
 {
-    ErrorHandler::Instance().SetTraceMask(0);
+    const QuietTraces quiet;
     for (unsigned seed = 1; seed <= 5; ++seed) {
         SCOPED_TRACE(seed);
         Life life(seed);
@@ -229,7 +229,6 @@ TEST(RandomLife, IsUndoneToTheFirstStateAndFollowedByACopy)
         life.replay(life.copy);
         life.expectEqual(life.copy);
     }
-    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 // Subtrees as files: where they are looked for, what a failure leaves, and a writer that is killed.
-#include "platform/base/errorhandler.h"
-#include "platform/base/krexception.h"
+#include "fault.h"
 #include "platform/startup/cfgcenter.h"
+#include "quiettraces.h"
 #include "valueclasses/value.h"
 #include "valuetree/node.h"
 #include "valuetree/vtfile.h"
@@ -25,9 +25,6 @@ using namespace values;
 
 class VtFileTest : public testing::Test {
 protected:
-    VtFileTest() { ErrorHandler::Instance().SetTraceMask(0); }
-    ~VtFileTest() override { ErrorHandler::Instance().SetTraceMask(TraceWarnings); }
-
     static void put(const QString &name, const QByteArray &bytes)
     {
         QFile file(name);
@@ -39,16 +36,6 @@ protected:
         QFile file(name);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
-    template <typename Act>
-    static std::string reasonOf(Act act)
-    {
-        try {
-            act();
-        } catch (const KRException &error) {
-            return error.what();
-        }
-        return {};
-    }
     static void fill(Node &node, int count, const QString &text)
     {
         for (int i = 0; i < count; ++i)
@@ -56,6 +43,7 @@ protected:
                           new Value<QString>("V", text, VS_DISABLED)); // as restored ones
     }
 
+    QuietTraces m_quiet;
     QTemporaryDir m_folder;
     QString m_name = m_folder.filePath("tree.xml");
 };
@@ -90,7 +78,7 @@ TEST_F(VtFileTest, FailsWithTheTreeAndTheFileAsTheyWere)
     fill(node, 3, "old");
     fill(other, 2000, QString(100, 'n'));
     const auto read = [&](const QString &name) {
-        return reasonOf([&] { VtFile(name, &other, nullptr).Read(); });
+        return faultOf([&] { VtFile(name, &other, nullptr).Read(); }).reason;
     };
     EXPECT_EQ(read(m_name), reading);
     const QString pipe = m_folder.filePath("pipe"), huge = m_folder.filePath("huge.xml");
@@ -101,7 +89,7 @@ TEST_F(VtFileTest, FailsWithTheTreeAndTheFileAsTheyWere)
         EXPECT_EQ(read(name), reading) << qPrintable(name);
     QFile::remove(huge);
     const QString nowhere = m_folder.filePath("no/tree.xml");
-    EXPECT_EQ(reasonOf([&] { VtFile(nowhere, &node, nullptr).Write(); }), writing);
+    EXPECT_EQ(faultOf([&] { VtFile(nowhere, &node, nullptr).Write(); }).reason, writing);
     put(m_name, "<!DOCTYPE Vt><Vt Version=\"1.0\"><a\xFF/></Vt>");
     EXPECT_THAT(read(m_name), testing::HasSubstr("bytes that are no text"));
 
@@ -117,7 +105,7 @@ TEST_F(VtFileTest, FailsWithTheTreeAndTheFileAsTheyWere)
     const rlimit small{65536, before.rlim_max};
     const auto handler = std::signal(SIGXFSZ, SIG_IGN);
     setrlimit(RLIMIT_FSIZE, &small);
-    const std::string full = reasonOf([&] { VtFile(m_name, &other, nullptr).Write(); });
+    const std::string full = faultOf([&] { VtFile(m_name, &other, nullptr).Write(); }).reason;
     setrlimit(RLIMIT_FSIZE, &before);
     std::signal(SIGXFSZ, handler);
     EXPECT_EQ(full, "Can not write File - see Details");

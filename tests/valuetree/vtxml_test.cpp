@@ -1,6 +1,6 @@
 // Subtrees as XML texts: the document, what a round trip keeps, what is refused.
-#include "platform/base/errorhandler.h"
 #include "platform/base/userquestion.h"
+#include "quiettraces.h"
 #include "valueclasses/ivaluedescriptormap.h"
 #include "valueclasses/value_impl.h"
 #include "valueclasses/valuefactory.h"
@@ -103,7 +103,7 @@ QString traced; // by the check of asserts
 
 TEST(VtXml, KeepsEveryKind)
 {
-    ErrorHandler::Instance().SetTraceMask(0); // the changes below ask for what isn't there, too
+    const QuietTraces quiet; // the changes below ask for what isn't there, too
     Node root, copy;
     for (int type = 0; type < 135; ++type)
         if (ValueFactory::Instance().IsRegistered(ValueType(type))) {
@@ -126,7 +126,7 @@ TEST(VtXml, KeepsEveryKind)
          {static_cast<ValueBase *>(outside), static_cast<ValueBase *>(twins)})
         EXPECT_TRUE(root.AddValue(QString(), value));
 
-    ErrorHandler::Instance().SetTraceMask(TraceAssertions); // files break no promise
+    const QuietTraces asserts(TraceAssertions); // files break no promise
     const auto handler = qInstallMessageHandler(
         [](QtMsgType, const QMessageLogContext &, const QString &text) { traced += text + '\n'; });
     expectSameByElements(root);
@@ -153,7 +153,6 @@ TEST(VtXml, KeepsEveryKind)
     }
     qInstallMessageHandler(handler);
     EXPECT_EQ(traced.toStdString(), "");
-    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
 }
 
 /// Prints a number in a way of its own, so that the value is of another class than its type says.

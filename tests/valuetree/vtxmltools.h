@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/base/krexception.h"
+#include "fault.h"
 #include "valuetree/treelog.h"
 #include "valuetree/vtxml.h"
 
@@ -17,12 +17,7 @@ inline QString document(const QString &items, const QString &version = QStringLi
 
 inline QString reasonOf(Node &node, const QString &xml)
 {
-    try {
-        VtXml::FromXml(&node, xml);
-    } catch (const KRException &error) {
-        return error.GetReason();
-    }
-    return {};
+    return QString::fromStdString(faultOf([&] { VtXml::FromXml(&node, xml); }).reason);
 }
 
 /// Ends the disabled state in which restored values wait for their owner.

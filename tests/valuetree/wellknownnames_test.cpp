@@ -37,20 +37,7 @@ TEST(WellKnownNames, KeepTheirSpelling)
         {copiedAtStart, "FREQUENCY"},
         {kREC_LOADED, "REC_LOADED"}, // the first
         {kWFFM, "WFFM"},             // the last
-        {kDEMODUALTIONFREQUENCY, "DEMODUALTIONFREQUENCY"},
-        {kFOURTYDB, "FOURTYDB"},
-        {kSWEEPTIME, "SWEEPTIME"},
-        {kSweepTime, "SweepTime"},
-        {kSTATE, "STATE"},
-        {kState, "State"},
-        {kBEARINGRESULT, "BEARINGRESULT"},
-        {kBearingResult, "BearingResult"},
-        {kERROR, "ERROR"},
-        {kPath_QDF, "/QDF"},
         {kPath_Edit_MSEARCH, "/Edit/MSEARCH"},
-        {kPath_ADMINISTRATION_TORECSERVER_ON_WORKSTATION,
-         "/ADMINISTRATION/TORECSERVER_ON_WORKSTATION"},
-        {kPath_INTERFACES_LOCATE_SCANLOC_JOBXMLMAP, "/INTERFACES/LOCATE/SCANLOC/JOBXMLMAP"},
     };
     for (const auto &[constant, text] : cases)
         EXPECT_EQ(constant, QLatin1String(text));

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+
+/// Runs the event loop until \a done, at most a minute: the bound only ends a test that hangs.
+template <typename Done>
+bool waitFor(Done done)
+{
+    const QDeadlineTimer limit(60'000);
+    while (!done()) {
+        if (limit.hasExpired())
+            return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 5);
+    }
+    return true;
+}
