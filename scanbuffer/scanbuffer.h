@@ -69,9 +69,9 @@ public:
     /// The channels of all later lines. With the number of channels as before, older lines stay
     /// readable, each with its own definition; otherwise the ring is rebuilt. A definition without
     /// channels is ignored.
-    /// \throws KRException when three lines of that many channels take more than the maximum size
-    /// in bytes, taken as 200 MB at least and 4 GB at most; std::bad_alloc. The old definition and
-    /// the old ring stand then.
+    /// \throws KRException for a frequency that is not finite, and when three lines of that many
+    /// channels take more than the maximum size in bytes, taken as 200 MB at least and 4 GB at
+    /// most; std::bad_alloc. The old definition and the old ring stand then.
     void setChannelRangeDefinition(const values::ChannelRangeDefinition &definition)
         SPECTREE_EXCLUDES(m_lock);
     /// Empties the ring WITHOUT taking the lock: only while nobody reads or feeds.

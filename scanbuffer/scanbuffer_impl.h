@@ -250,6 +250,10 @@ bool ScanBuffer<Y, YHandler>::applyDefinition(const values::ChannelRangeDefiniti
     const unsigned int channels = definition.GetChannelCount();
     if (channels == 0)
         return false;
+    // A window would take a definition with NaN for another one in each pass, and begin anew.
+    if (!definition.IsFinite())
+        throw KRException(QStringLiteral("A channel range has a frequency that is not finite"),
+                          __FILE__, "ScanBuffer", "setChannelRangeDefinition", __LINE__);
     if (continueWith(definition))
         return true;
     Ring ring = initBuffer(channels); // holds the old ring later, which goes after the lock

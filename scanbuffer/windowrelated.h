@@ -208,9 +208,7 @@ private:
     std::optional<AxisData> m_pendingXRange; // empty until the first SetXRange()
     struct Reload {
         bool requested = false, running = false;
-        double start = 0.0, stop = 0.0;
-        KRTimeStamp time = 0;
-        std::int32_t lineCount = 0, secondCount = 0;
+        std::int32_t lineCount = 0;
     } m_reload;
 
     std::weak_ptr<XRange> m_xRangeAdapter;

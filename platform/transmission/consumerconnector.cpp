@@ -12,6 +12,7 @@ namespace {
 
 constexpr int kMessagesAPass = 64; // before the event loop has its turn
 constexpr std::size_t kMaxWaitingCommands = 256;
+constexpr std::size_t kProgressBytes = std::size_t(1) << 20; // taken in, before the server is told
 constexpr std::int64_t kMaxMessageBytes = std::int64_t(256) << 20;
 
 bool carriesMessage(const frames::FromServer &frame)
@@ -75,6 +76,7 @@ void ConsumerConnectorPrivate::open()
     close();
     m_phase = Phase::connecting;
     m_state = m_taken = m_stateTold = 0;
+    m_untoldBytes = 0;
     m_granted = m_options.credits;
     m_lostBefore += m_lost;
     m_lost = 0;
@@ -181,7 +183,8 @@ bool ConsumerConnectorPrivate::readSocket()
                 return false;
         }
         if (m_phase == Phase::ready) {
-            sendProgress();
+            if (isProgressDue())
+                sendProgress();
             flushCommands();
         }
         readOnIfNeeded();
@@ -267,6 +270,7 @@ bool ConsumerConnectorPrivate::onMassdata(const frames::Massdata &massdata,
     if (m_phase != Phase::ready)
         return true;
     ++m_taken;
+    m_untoldBytes += message.size();
     if (!onLost(massdata.lost))
         return false;
     if (!massdata.stateIndependent && massdata.state != m_state)
@@ -287,13 +291,21 @@ bool ConsumerConnectorPrivate::onLost(std::uint64_t lost)
     return !alive.isNull();
 }
 
+/// Rarely, since each costs a message; but the server holds back what is under way by its bytes,
+/// too.
+bool ConsumerConnectorPrivate::isProgressDue() const
+{
+    const std::uint64_t untold = m_taken + m_options.credits - m_granted;
+    return m_stateTold != m_state || m_untoldBytes >= kProgressBytes ||
+           untold >= std::max(1u, m_options.credits / 4);
+}
+
 void ConsumerConnectorPrivate::sendProgress()
 {
     const std::uint64_t granted = m_taken + m_options.credits;
-    if (m_stateTold == m_state && granted - m_granted < std::max(1u, m_options.credits / 4))
-        return;
     if (trySend(frames::Progress{granted, m_state})) {
         m_granted = granted;
+        m_untoldBytes = 0;
         m_stateTold = m_state;
     }
 }

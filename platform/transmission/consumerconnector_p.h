@@ -63,6 +63,7 @@ private:
     void retire(std::unique_ptr<QSocketNotifier> &notifier);
     static QByteArray newNumber();
     void sendHello();
+    bool isProgressDue() const;
     void sendProgress();
     bool trySend(const frames::FromConsumer &frame, const QByteArray *message = nullptr);
     void flushCommands();
@@ -88,8 +89,9 @@ private:
     QString m_lastTrouble; // what the monitor told last of the present try
     Clock::time_point m_lastHeard;
     std::uint64_t m_state = 0;
-    std::uint64_t m_taken = 0;   // mass data of this link
-    std::uint64_t m_granted = 0; // what the server was told last
+    std::uint64_t m_taken = 0;     // mass data of this link
+    std::uint64_t m_granted = 0;   // what the server was told last
+    std::size_t m_untoldBytes = 0; // of mass data taken since then
     std::uint64_t m_stateTold = 0;
     std::uint64_t m_lost = 0, m_lostBefore = 0; // on this link, on earlier ones
     std::deque<QByteArray> m_waiting;           // commands for an adapter that isn't there yet

@@ -163,6 +163,8 @@ void ConsumerConnectorPrivate::keepAlive()
         return;
     if (Clock::now() - m_lastHeard > std::chrono::milliseconds(m_options.silentMs))
         linkFailed(QStringLiteral("the server is silent"));
+    else if (m_taken + m_options.credits != m_granted)
+        sendProgress(); // a server with a low limit of bytes may wait for just this
     else
         trySend(frames::Heartbeat{});
 }

@@ -32,6 +32,7 @@ struct SPECTREE_EXPORT ServerOptions {
     std::size_t maxPendingCommands = 4096;               ///< a window's, before its thread ran
     std::size_t maxPendingCommandBytes = std::size_t(64) << 20;
     std::size_t maxQueuedMassdata = 64; ///< a consumer's, beyond its credits
+    /// A consumer's: of those, and again of those that it has not taken in.
     std::size_t maxQueuedMassdataBytes = std::size_t(64) << 20;
     std::size_t maxUnseenStates = 4096; ///< a consumer that takes in no more is disconnected
     std::size_t maxUnseenStateBytes = std::size_t(256) << 20;

@@ -35,7 +35,8 @@ public:
     std::uint64_t nextState(std::size_t bytes);
     /// Puts mass data in line. Returns how many older messages were dropped to make room.
     std::uint64_t push(bool stateIndependent, const QByteArray &message);
-    /// The next mass data that the credits let through.
+    /// The next mass data that the credits and the bytes under way let through. However long it is,
+    /// one goes out when nothing is under way.
     std::optional<Waiting> pop();
     /// The consumer's progress. False when it claims a state that was never sent, takes a grant
     /// back, or grants more than its credits beyond what was sent.
@@ -47,12 +48,15 @@ public:
     bool isStuck() const;
 
 private:
+    bool mayGo() const;
     void dropOldest();
 
     const std::uint64_t m_credits; // that may be under way at once
     const std::size_t m_maxWaiting, m_maxWaitingBytes, m_maxUnseen, m_maxUnseenBytes;
     std::deque<Waiting> m_waiting;
     std::size_t m_waitingBytes = 0;
+    std::deque<std::size_t> m_underWay; // sizes of the mass data that the consumer has not taken
+    std::size_t m_underWayBytes = 0;
     std::deque<std::size_t> m_unseen; // sizes of the states that the consumer has not taken in
     std::size_t m_unseenBytes = 0;
     std::uint64_t m_state = 0;

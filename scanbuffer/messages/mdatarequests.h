@@ -3,7 +3,8 @@
 #include "platform/base/types.h"
 #include "scanbuffer/messages/mdata.h"
 
-/// Asks a static source to load an area of a waterfall again.
+/// Asks a static source to load an area of a waterfall again: from xStart to xStop in Hz, and from
+/// tMin to tMax, the later one, in microseconds since 1970 UTC.
 class SPECTREE_EXPORT MDataWaterfallArea final : public MData {
 public:
     struct Area {
@@ -34,7 +35,8 @@ private:
     Area m_area;
 };
 
-/// Asks for a histogram over a fixed area of frequency, time and level.
+/// Asks for a histogram over a fixed area: x in Hz, t in microseconds since 1970 UTC, y in dB. Ends
+/// travel as the display gives them; which of two is the greater is not laid down.
 class SPECTREE_EXPORT MDataStaticHistogramWanted final : public MData {
 public:
     struct Wanted {

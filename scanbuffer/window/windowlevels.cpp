@@ -55,11 +55,7 @@ void WindowLevels::SetThresholdActive(bool active)
               active ? m_threshold : std::numeric_limits<double>::lowest());
 }
 
-double WindowLevels::GetThreshold(int /*pixel*/) const
-{
-    // The line is a constant one as long as it doesn't come from a curve over frequency.
-    return m_threshold;
-}
+double WindowLevels::GetThreshold(int /*pixel*/) const { return m_threshold; }
 
 double WindowLevels::GetRefLine(int pixel) const { return valueAt(m_referenceLine, pixel, 0.0); }
 

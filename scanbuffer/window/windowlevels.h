@@ -11,8 +11,8 @@ namespace sbs {
 
 /// The y ranges, the threshold and the reference line of a display window.
 ///
-/// Levels are doubles in the unit of the dimension that they belong to. Threshold and reference are
-/// lines of one value a pixel; a pixel beyond a line has the scalar threshold, and the reference 0.
+/// Levels are doubles in the unit of the dimension that they belong to. The threshold is the same
+/// for all pixels, also as a line; the reference is a line of one value a pixel, and 0 beyond it.
 /// Threads: none of its own; the window's thread owns it.
 class SPECTREE_EXPORT WindowLevels {
 public:
@@ -41,6 +41,7 @@ public:
     {
         return dimension == 0 ? m_thresholdActiveForLevel : m_thresholdActive;
     }
+    /// The same for all pixels.
     double GetThreshold(int pixel) const;
     const std::vector<double> &GetThresholdLine() const { return m_thresholdLine; }
 

@@ -61,7 +61,7 @@ public:
     virtual void SetWindowMinimized(bool minimized) = 0;
     virtual bool GetWindowMinimized() const = 0;
     /// Folds \a count stored scans, from the oldest one on, and sends them to the waterfall in
-    /// batches. \a x1, \a x2, \a time and \a second are kept for whoever asks.
+    /// batches. \a x1, \a x2, \a time and \a second have no effect.
     virtual void reload(double x1, double x2, KRTimeStamp time, std::int32_t count,
                         std::int32_t second) = 0;
     /// What the buffer tells of.
@@ -110,8 +110,9 @@ public:
     void SetThreshold(double threshold) { m_levels.SetThreshold(threshold); }
     void SetThresholdActive(bool active) { m_levels.SetThresholdActive(active); }
     void SetThresholdActiveForLevel(bool active) { m_levels.SetThresholdActiveForLevel(active); }
+    /// The same for all pixels.
     double GetThreshold(int pixel) const { return m_levels.GetThreshold(pixel); }
-    /// One value a pixel; a pixel beyond it has what GetThreshold gives there.
+    /// One entry a pixel, all the same.
     const std::vector<double> &GetThresholdLine() const { return m_levels.GetThresholdLine(); }
     double GetRefLine(int pixel) const { return m_levels.GetRefLine(pixel); }
     bool filteredByThreshold(double value, int pixel, bool useReference) const

@@ -17,14 +17,10 @@ constexpr std::int32_t kMaximumBatch = 1000;
 } // namespace Detail
 
 template <typename Y, typename YHandler>
-void WindowRelated<Y, YHandler>::reload(double x1, double x2, KRTimeStamp time, std::int32_t count,
-                                        std::int32_t second)
+void WindowRelated<Y, YHandler>::reload(double /*x1*/, double /*x2*/, KRTimeStamp /*time*/,
+                                        std::int32_t count, std::int32_t /*second*/)
 {
-    m_reload.start = x1;
-    m_reload.stop = x2;
-    m_reload.time = time;
     m_reload.lineCount = count;
-    m_reload.secondCount = second;
     m_reload.requested = true;
     if (m_reading)
         return; // the pass that is running takes it, or the next one

@@ -54,6 +54,21 @@ public:
         return std::nullopt;
     }
 
+    /// How many mass data come before the next state.
+    int countMassdata()
+    {
+        zmq::message_t part;
+        for (int count = 0; m_socket.recv(part);) {
+            const auto frame = parseFromServer(part.data<char>(), part.size());
+            while (part.more())
+                (void)m_socket.recv(part);
+            if (frame && std::holds_alternative<State>(*frame))
+                return count;
+            count += frame && std::holds_alternative<Massdata>(*frame);
+        }
+        return -1;
+    }
+
 private:
     std::shared_ptr<zmq::context_t> m_context;
     zmq::socket_t m_socket;
@@ -141,6 +156,48 @@ TEST(TransmissionHostile, APeerThatTakesInNoStateIsDisconnected)
             adapter.sendIncrementalStateUpdate("change");
     });
     EXPECT_TRUE(waitFor([&] { return server->statistics().consumers == 0; }));
+}
+
+TEST(TransmissionHostile, APeerThatOnlyGrantsIsSentNoMoreBytesThanTheLimit)
+{
+    Windows windows;
+    sbs::ServerOptions options = fastOptions();
+    options.maxQueuedMassdataBytes = 1000;
+    options.silentAfter = std::chrono::seconds(60);
+    const auto server = makeServer(windows, options);
+    RawPeer peer(server->getEndpoint());
+    peer.sayHello(1024);
+    ASSERT_TRUE(peer.expect<State>() && peer.expect<State>());
+
+    // What is sent, then a state as the mark behind it.
+    struct Step {
+        const char *name;
+        std::uint64_t taken; // told before
+        std::vector<int> sizes;
+        int expected;
+        std::uint64_t lost; // in all
+    };
+    const Step steps[] = {
+        {"two under way, two wait", 0, std::vector<int>(20, 400), 2, 16},
+        {"one taken, one of those that wait goes", 1, {}, 1, 16},
+        {"all taken: the last one goes, and one beside it", 3, {400}, 2, 16},
+        {"nothing under way: one goes, however long", 5, {5000, 1}, 1, 16},
+    };
+    for (const Step &step : steps) {
+        SCOPED_TRACE(step.name);
+        const auto rejected = server->statistics().rejectedFrames;
+        peer.say({encode(FromConsumer(Progress{1024 + step.taken, 0}))});
+        peer.say({"junk"}); // counted when what came before it has been taken in
+        ASSERT_TRUE(waitFor([&] { return server->statistics().rejectedFrames > rejected; }));
+        EXPECT_EQ(server->statistics().rejectedFrames, rejected + 1);
+        windows.createOrGet(QStringLiteral("w"))->withAdapters([&](sbs::Adapter &adapter) {
+            for (const int size : step.sizes)
+                adapter.sendMassdataStateIndependent(QByteArray(size, 'x'));
+            adapter.sendIncrementalStateUpdate("mark");
+        });
+        EXPECT_EQ(peer.countMassdata(), step.expected);
+        EXPECT_EQ(server->statistics().lostMessages, step.lost);
+    }
 }
 
 TEST(TransmissionHostile, ABusyWindowIsNotBuriedInRequests)

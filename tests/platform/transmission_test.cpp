@@ -92,6 +92,24 @@ TEST(Transmission, MassdataOfAnOldStateAreDroppedUnsent)
     EXPECT_EQ(windows.m_lost, 0u); // outdated, not lost
 }
 
+TEST(Transmission, MassdataThatTheirBytesHoldBackFollow)
+{
+    Windows windows;
+    sbs::ServerOptions server = fastOptions();
+    server.maxQueuedMassdataBytes = 1000;
+    const auto running = makeServer(windows, server);
+    Consumer consumer(running->getEndpoint());
+    ASSERT_TRUE(consumer.waitForReady());
+    const QByteArray row(400, 'r');
+    windows.createOrGet(QStringLiteral("w"))->withAdapters([&](sbs::Adapter &adapter) {
+        for (int i = 0; i < 4; ++i) // far fewer than the credits
+            adapter.sendMassdata(row);
+    });
+    EXPECT_TRUE(waitFor([&] {
+        return consumer.m_massdata == QList<QByteArray>{row, row, row, row};
+    }));
+}
+
 TEST(Transmission, CommandsThatTheLinkDidNotTakeFollowLater)
 {
     Windows windows;

@@ -62,6 +62,25 @@ TEST(Adapters, DropWhatDoesNotParse)
     EXPECT_EQ(rig.count(), 0u);
 }
 
+/// Counts the commands that get through.
+class CountingAdapter final : public DataSourceAdapter {
+public:
+    CountingAdapter() : DataSourceAdapter(AdapterType_None, nullptr, "counting") {}
+    void SetParameter(const MData &) override { ++m_count; }
+
+    int m_count = 0;
+};
+
+TEST(Adapters, TakeNoContainers)
+{
+    MDataContainer container;
+    container.addMData(flag(MDT_WindowVisible, false));
+    CountingAdapter adapter;
+    adapter.slotCommand(flag(MDT_WindowVisible, false));
+    adapter.slotCommand(container);
+    EXPECT_EQ(adapter.m_count, 1);
+}
+
 TEST(Adapters, WithoutAWindowTheyAreSilent)
 {
     const auto link = std::make_shared<RecordingLink>();

@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 #include <gmock/gmock.h>
 
+#include <cmath>
 #include <functional>
 #include <thread>
 
@@ -335,13 +336,14 @@ TEST_F(ScanBufferTest, AnActiveSizeManagerKeepsTheMemoryInUse)
 }
 
 // 4e9 channels once took three such lines of memory, and a thrown std::bad_alloc left no ring.
-TEST_F(ScanBufferTest, ADefinitionThatIsTooLongChangesNothing)
+TEST_F(ScanBufferTest, ABadDefinitionChangesNothing)
 {
     buffer->setChannelRangeDefinition(grid(4));
     scan(100);
     takeSignals();
-    const auto expectRefused = [&](unsigned int channels) {
-        EXPECT_THROW(buffer->setChannelRangeDefinition(grid(channels)), KRException) << channels;
+    const auto expectRefused = [&](unsigned int channels, double start = 1e8) {
+        EXPECT_THROW(buffer->setChannelRangeDefinition(grid(channels, start)), KRException)
+            << channels;
         EXPECT_EQ(takeSignals(), "");
         EXPECT_EQ(buffer->channelsPerChannelLine(), 4u);
         read([](const Access &access) {
@@ -353,6 +355,7 @@ TEST_F(ScanBufferTest, ADefinitionThatIsTooLongChangesNothing)
     expectRefused(33'333'334); // three lines of 2 bytes are just above 200 MB
     buffer->setMaximumSizeInBytes(~0ul);
     expectRefused(666'666'667); // and above 4 GB
+    expectRefused(4, std::nan(""));
 }
 
 TEST_F(ScanBufferTest, WhatNeverEndsDoesNotPileUp)

@@ -359,6 +359,7 @@ TEST(ChannelRangeStreams, RefuseWhatAHostilePeerWouldSend)
         Form form;
         std::string hex, reason = "Command string is not terminated with ';'";
     };
+    const std::string kNotFinite = "A channel range has a frequency that is not finite";
     for (const Case &c :
          {Case{"length that ends inside", Form::Current, "04 00 00 00 00 00 00 00 02 00 "},
           {"many ranges announced", Form::Current, "05 00 00 00 00 7f ff ff ff "},
@@ -368,10 +369,17 @@ TEST(ChannelRangeStreams, RefuseWhatAHostilePeerWouldSend)
           {"length past the end", Form::Current, "ff ff ff ff 00 00 00 00 00 "},
           {"long name announced", Form::Current, "25" + begun + "7f ff ff fe "},
           {"name of half a character", Form::Current, "26" + begun + "00 00 00 01 41 "},
+          {"centre that is no number", Form::Current,
+           "25 00 00 00 00 00 00 00 01 00 00 00 00 00 00 00 01 00 00 00 03 7f f8 00 00 00 00 00 00 "
+           "3f e0 00 00 00 00 00 00 00 00 00 00 ",
+           kNotFinite},
+          {"infinite step, without keys", Form::Old,
+           "01 00 01 00 00 00 03 00 00 00 00 00 00 00 00 00 00 40 00 00 00 00 00 00 f0 7f 3b ",
+           kNotFinite},
           {"no terminator", Form::Old, "ff ff 3b "}}) {
         const Read refused = read(c.form, fromHex(c.hex));
         EXPECT_EQ(refused.reason, c.reason) << c.name;
-        if (c.form == Form::Old) {
+        if (c.form == Form::Old && c.reason != kNotFinite) {
             EXPECT_EQ(refused.className, "CommandSetChannelRangeDefinition<Y, YHandler>");
         }
     }

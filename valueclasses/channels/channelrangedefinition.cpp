@@ -88,6 +88,13 @@ void ChannelRangeDefinition::SetChannelRangeMap(const RangeMap &ranges)
     checkDuplicates();
 }
 
+bool ChannelRangeDefinition::IsFinite() const
+{
+    return std::ranges::all_of(m_indexed, [](const IndexedRange &range) {
+        return std::isfinite(range.firstCenterFrequency) && std::isfinite(range.frequencyStep);
+    });
+}
+
 void ChannelRangeDefinition::clear()
 {
     m_ranges.clear();

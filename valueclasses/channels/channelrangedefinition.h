@@ -88,6 +88,9 @@ public:
     void SetChannelRangeMap(const RangeMap &ranges);
     void clear();
     bool empty() const { return m_ranges.empty(); }
+    /// Whether each first centre and step is a finite number. A grid of others isn't served: with
+    /// NaN it differs from its own copy.
+    bool IsFinite() const;
 
     /// The ranges in index order, those without channels included. Valid until the next change.
     const std::vector<IndexedRange> &GetIndexedRanges() const { return m_indexed; }
@@ -152,7 +155,8 @@ public:
     std::string toOldStandardString() const;
     /// Reads that form, or a still older one of 24 bytes a range without keys, which are 0, 1, 2
     /// ... then. Adds to the ranges, overwriting by key. \throws KRException when no ";" stands
-    /// where it must, DuplicateChannelIdException; nothing is changed then.
+    /// where it must or a frequency is not finite, DuplicateChannelIdException; nothing is changed
+    /// then.
     void fromOldCharStream(const char **cursor);
 
 private:
@@ -173,7 +177,8 @@ namespace Kelm {
 /// A length, then a QDataStream image with names. See docs/samples.md.
 template <>
 SPECTREE_EXPORT std::string toStandardString(const values::ChannelRangeDefinition &definition);
-/// \throws KRException for a truncated, malformed or unknown image, DuplicateChannelIdException.
+/// \throws KRException for a truncated, malformed or unknown image and for a frequency that is not
+/// finite, DuplicateChannelIdException.
 template <>
 SPECTREE_EXPORT values::ChannelRangeDefinition fromCharStream(const char **cursor);
 

@@ -5,6 +5,7 @@
 #include <QDataStream>
 #include <QIODevice>
 
+#include <cmath>
 #include <limits>
 
 namespace values {
@@ -24,6 +25,13 @@ constexpr quint32 kNullName = 0xFFFFFFFF;
 [[noreturn]] void throwTruncated()
 {
     throwMalformed(QStringLiteral("Command string is not terminated with ';'"));
+}
+
+/// A frequency that is no number would make a grid that differs from its own copy.
+void requireFinite(double firstCenterFrequency, double frequencyStep)
+{
+    if (!std::isfinite(firstCenterFrequency) || !std::isfinite(frequencyStep))
+        throwMalformed(QStringLiteral("A channel range has a frequency that is not finite"));
 }
 
 /// A QString of the stream, checked against what is left before memory is taken.
@@ -52,6 +60,7 @@ void readRange(QDataStream &stream, ChannelRangeDefinition::RangeMap &ranges)
     QString name = readName(stream);
     if (stream.status() != QDataStream::Ok)
         throwTruncated();
+    requireFinite(firstCenterFrequency, frequencyStep);
     ranges.insert_or_assign(key,
                             ChannelRange(quint32(firstChannelId), quint32(channelCount),
                                          firstCenterFrequency, frequencyStep, std::move(name)));
@@ -94,6 +103,7 @@ ChannelRange readOldRange(const char **cursor)
     const auto channelCount = Kelm::readLittleEndian<std::uint32_t>(cursor);
     const auto firstCenterFrequency = Kelm::readLittleEndian<double>(cursor);
     const auto frequencyStep = Kelm::readLittleEndian<double>(cursor);
+    requireFinite(firstCenterFrequency, frequencyStep);
     return {firstChannelId, channelCount, firstCenterFrequency, frequencyStep, QString()};
 }
 
