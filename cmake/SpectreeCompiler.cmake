@@ -23,10 +23,6 @@ if(SPECTREE_MOLD AND NOT SPECTREE_SANITIZE)
 endif()
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
-if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
-    # Headers of Qt 5.15 and GoogleTest are system headers; these two fire in moc's output.
-    add_compile_options(-Wno-unknown-warning-option)
-endif()
 add_compile_definitions(QT_NO_KEYWORDS QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_DEPRECATED_WARNINGS)
 
 if(SPECTREE_SANITIZE)

@@ -30,11 +30,13 @@ function(spectree_finish_library target)
         target_link_options(${target} PRIVATE -Wl,-Bsymbolic-functions)
     endif()
     set_target_properties(${target} PROPERTIES
-        VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} EXPORT_NAME spectree)
+        VERSION ${PROJECT_VERSION} EXPORT_NAME spectree
+        SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}) # until 1.0 each minor has its ABI
 endfunction()
 
 # What every test runs with.
 set(SPECTREE_TEST_ENVIRONMENT "QT_QPA_PLATFORM=offscreen"
+    "XDG_CONFIG_HOME=${PROJECT_BINARY_DIR}/test-config" # not the user's
     "TSAN_OPTIONS=ignore_noninstrumented_modules=1:halt_on_error=1:second_deadlock_stack=1"
     "ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1"
     "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/cmake/lsan.supp:print_suppressions=0"
@@ -80,7 +82,8 @@ function(spectree_fuzz name)
     target_link_libraries(${name} PRIVATE spectree ${arg_LIBRARIES})
     target_compile_options(${name} PRIVATE -fsanitize=fuzzer)
     target_link_options(${name} PRIVATE -fsanitize=fuzzer)
-    add_test(NAME ${name} COMMAND ${name} -max_total_time=5 -rss_limit_mb=1024 -timeout=10
+    # The same inputs each time, as far as the machine gets: a longer run looks for new ones.
+    add_test(NAME ${name} COMMAND ${name} -seed=1 -max_total_time=5 -rss_limit_mb=1024 -timeout=10
         "${CMAKE_CURRENT_BINARY_DIR}/work/${name}" "${PROJECT_SOURCE_DIR}/fuzz/corpus/${name}")
     # New inputs go to a scratch folder of the build, never into the seeds.
     file(MAKE_DIRECTORY "${CMAKE_CURRENT_BINARY_DIR}/work/${name}")

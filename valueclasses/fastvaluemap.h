@@ -44,7 +44,8 @@ public:
     void Assign(const ValueBase &other) override;
 
     /// Sets the grid; an empty one is ignored. Clears the data, follows the grid with the
-    /// interpolation width, is recorded in both lists and notifies CC_LIMITS.
+    /// interpolation width, is recorded in both lists and notifies CC_LIMITS. \throws KRException
+    /// for frequencies that are not finite, and, with a buffer, for a line that is too long.
     void SetChannelRangeDefinition(const ChannelRangeDefinition &definition,
                                    std::uint64_t size) override;
     const ChannelRangeDefinition &GetChannelRangeDefinition() const override

@@ -79,6 +79,9 @@ void FastValueMap<Y, YHandler>::SetChannelRangeDefinition(const ChannelRangeDefi
 {
     if (definition.empty())
         return;
+    if (!definition.IsFinite())
+        throw KRException(QStringLiteral("A channel range has a frequency that is not finite"),
+                          __FILE__, "FastValueMap", "SetChannelRangeDefinition", __LINE__);
     if (this->IsChangeForeign())
         return this->PostChange(
             [this, definition, size] { SetChannelRangeDefinition(definition, size); });

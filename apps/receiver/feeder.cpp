@@ -10,7 +10,7 @@ namespace receiver {
 
 namespace {
 
-constexpr int kSettleMs = 300;
+constexpr int kSettleMs = 1000;
 constexpr qint64 kBatchNs = 4000000; // then the event loop has its turn
 constexpr double kMostLateMicroseconds = 1e6;
 constexpr double kLongestGapMicroseconds = 3.6e9;

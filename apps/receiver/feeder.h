@@ -23,8 +23,8 @@ struct FeedPlan {
 /// for long.
 ///
 /// A window asks for its kinds of data one after the other: waiting ends when none was asked for
-/// during 300 ms. What is late by more than a second (a suspended process) isn't made up for, and a
-/// gap of more than an hour isn't waited for: often the clock of the recording was set in it.
+/// during a second. What is late by more than a second (a suspended process) isn't made up for, and
+/// a gap of more than an hour isn't waited for: often the clock of the recording was set in it.
 class Feeder : public QObject {
     Q_OBJECT
 

@@ -14,16 +14,21 @@ using namespace receiver;
 using apps::Failure;
 using apps::note;
 
-std::unique_ptr<Feeder> makeFeeder(const Options &options)
+struct Service {
+    std::unique_ptr<Feeder> feeder;
+    QByteArray endpoint;
+};
+
+Service makeService(const Options &options)
 {
     configureServer(options);
     auto input = openInput(options, note);
     try {
         auto sink = ScanSink::create(options.type, input->grid());
-        apps::printLine(stdout,
-                        QStringLiteral("endpoint ") + QString::fromLatin1(sink->endpoint()));
-        return std::make_unique<Feeder>(std::move(input), std::move(sink),
-                                        FeedPlan{options.speed, options.loop, options.wait});
+        const QByteArray endpoint = sink->endpoint();
+        return {std::make_unique<Feeder>(std::move(input), std::move(sink),
+                                         FeedPlan{options.speed, options.loop, options.wait}),
+                endpoint};
     } catch (const KRException &error) {
         QString sentence = error.GetReason();
         if (error.GetClassName() == "Server")
@@ -53,7 +58,7 @@ int serve(const Options &options)
     const apps::TerminationSignals terminationSignals;
     QObject::connect(&terminationSignals, &apps::TerminationSignals::caught, qApp,
                      &QCoreApplication::quit);
-    const auto feeder = makeFeeder(options);
+    const auto [feeder, endpoint] = makeService(options);
     QObject::connect(feeder.get(), &Feeder::ended, qApp, [] {
         note(QStringLiteral("the input has ended; serving what is there until SIGINT or SIGTERM."));
     });
@@ -70,7 +75,8 @@ int serve(const Options &options)
         reportProgress(progress, *feeder);
     if (options.wait)
         note(QStringLiteral("waiting for a window to connect (--wait no begins at once)."));
-    feeder->start();
+    feeder->start(); // first, for it must see the window of whoever reads the endpoint
+    apps::printLine(stdout, QStringLiteral("endpoint ") + QString::fromLatin1(endpoint));
     return QCoreApplication::exec();
 }
 

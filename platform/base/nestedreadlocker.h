@@ -4,7 +4,7 @@
 
 namespace Kelm {
 
-/// As ReadLocker, for a plain lock that this thread may hold for reading already. A recursive lock
+/// Holds a lock for reading that this thread may hold for reading already. A recursive lock
 /// allows that too, but makes each lock for writing some three times as dear.
 ///
 /// Lives on the stack; all that may meet on one lock are of this class.

@@ -49,11 +49,6 @@ QtGate::QtGate() = default;
 QtGate::~QtGate() = default;
 #endif
 
-ReadWriteLock::ReadWriteLock(Kind kind)
-    : m_lock(kind == Kind::recursive ? QReadWriteLock::Recursive : QReadWriteLock::NonRecursive)
-{
-}
-
 void ReadWriteLock::lockForRead()
 {
     m_lock.lockForRead();

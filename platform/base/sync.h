@@ -25,7 +25,6 @@ class SPECTREE_CAPABILITY("mutex") Mutex {
 public:
     void lock() SPECTREE_ACQUIRE() { m_mutex.lock(); }
     void unlock() SPECTREE_RELEASE() { m_mutex.unlock(); }
-    bool try_lock() SPECTREE_TRY_ACQUIRE(true) { return m_mutex.try_lock(); }
     /// For std::condition_variable only.
     std::mutex &native() { return m_mutex; }
 
@@ -44,13 +43,9 @@ private:
     Mutex &m_mutex;
 };
 
-/// QReadWriteLock with annotations. A recursive one may be taken again by the thread that holds
-/// it, for the same purpose.
+/// QReadWriteLock with annotations. For reading it is taken by a NestedReadLocker.
 class SPECTREE_EXPORT SPECTREE_CAPABILITY("read-write lock") ReadWriteLock {
 public:
-    enum class Kind { plain, recursive };
-    explicit ReadWriteLock(Kind kind = Kind::plain);
-
     void lockForRead() SPECTREE_ACQUIRE_SHARED();
     void lockForWrite() SPECTREE_ACQUIRE();
     bool tryLockForWrite(int milliseconds) SPECTREE_TRY_ACQUIRE(true);
@@ -59,20 +54,6 @@ public:
 
 private:
     QReadWriteLock m_lock;
-};
-
-class SPECTREE_SCOPED_CAPABILITY ReadLocker {
-public:
-    explicit ReadLocker(ReadWriteLock &lock) SPECTREE_ACQUIRE_SHARED(lock) : m_lock(lock)
-    {
-        lock.lockForRead();
-    }
-    ~ReadLocker() SPECTREE_RELEASE_GENERIC() { m_lock.unlockRead(); }
-    ReadLocker(const ReadLocker &) = delete;
-    ReadLocker &operator=(const ReadLocker &) = delete;
-
-private:
-    ReadWriteLock &m_lock;
 };
 
 class SPECTREE_SCOPED_CAPABILITY WriteLocker {

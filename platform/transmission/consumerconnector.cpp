@@ -53,9 +53,9 @@ ConsumerConnectorPrivate::watch(zmq::socket_t &socket, bool (ConsumerConnectorPr
     auto notifier =
         std::make_unique<QSocketNotifier>(socket.get(zmq::sockopt::fd), QSocketNotifier::Read);
     QObject::connect(notifier.get(), &QSocketNotifier::activated, &m_q, [this, read] {
-        m_inNotifier = true;
+        ++m_inNotifier; // a slot may run an event loop of its own
         if ((this->*read)())
-            m_inNotifier = false;
+            --m_inNotifier;
     });
     return notifier;
 }
@@ -66,7 +66,7 @@ void ConsumerConnectorPrivate::retire(std::unique_ptr<QSocketNotifier> &notifier
         return;
     notifier->setEnabled(false);
     notifier->disconnect();
-    if (m_inNotifier)
+    if (m_inNotifier > 0)
         notifier.release()->deleteLater(); // it may be the one that is calling
     notifier.reset();
 }
@@ -146,18 +146,18 @@ bool ConsumerConnectorPrivate::trySend(const frames::FromConsumer &frame, const 
     const auto send = [this](zmq::const_buffer part, send_flags flags) {
         return uninterrupted([&] { return m_socket->send(part, flags); }).has_value();
     };
+    bool sent = false;
     try {
-        if (!send(zmq::buffer(header),
-                  message ? send_flags::sndmore | send_flags::dontwait : send_flags::dontwait))
-            return false;
-        if (message)
+        sent = send(zmq::buffer(header),
+                    message ? send_flags::sndmore | send_flags::dontwait : send_flags::dontwait);
+        if (sent && message)
             send(zmq::buffer(message->constData(), std::size_t(message->size())),
                  send_flags::dontwait);
     } catch (const zmq::error_t &) {
         return false;
     }
     readOnIfNeeded();
-    return true;
+    return sent;
 }
 
 void ConsumerConnectorPrivate::readOnIfNeeded()

@@ -82,7 +82,7 @@ private:
     std::unique_ptr<QSocketNotifier> m_notifier, m_monitorNotifier;
     QTimer m_timer;
     bool m_readPosted = false;
-    bool m_inNotifier = false;
+    int m_inNotifier = 0;
 
     Phase m_phase = Phase::idle;
     int m_retryMs = 0;

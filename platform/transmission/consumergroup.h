@@ -19,7 +19,7 @@ namespace sbs {
 struct SPECTREE_EXPORT ConsumerOptions {
     QByteArray serverKey;       ///< the server's public key as Z85; empty: no encryption
     CurveKeys keys;             ///< the client's own pair; needed with a server key
-    std::uint32_t credits = 64; ///< mass data messages that may be under way
+    std::uint32_t credits = 64; ///< mass data messages that may be under way, 1 to 1 024
     int retryMs = 500;          ///< first wait for an answer; doubled up to ten times this
     int silentMs = 5000;        ///< a server unheard for this long is lost
 

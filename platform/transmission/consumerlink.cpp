@@ -74,7 +74,7 @@ void ConsumerConnectorPrivate::join(const ConsumerGroup &group)
     m_windowGuid = group.getWindowGuid();
     m_token = group.getToken() + '-' + newNumber();
     m_options = group.getOptions();
-    m_options.credits = std::max(m_options.credits, 1u);
+    m_options.credits = std::clamp(m_options.credits, 1u, frames::kMaxCredits);
     m_retryMs = m_options.retryMs;
     open();
 }
@@ -100,10 +100,14 @@ bool ConsumerConnectorPrivate::readMonitor()
     try {
         while (m_monitor && receiveParts(*m_monitor, parts)) {
             const int event = eventOf(parts[0]);
-            if (event == ZMQ_EVENT_DISCONNECTED && m_phase == Phase::ready)
-                // What had come before the break is still there to be read.
-                return readSocket() && (m_phase != Phase::ready ||
-                                        linkFailed(QStringLiteral("the connection is broken")));
+            if (event == ZMQ_EVENT_DISCONNECTED && m_phase == Phase::ready) {
+                do { // what had come before the break is still there to be read
+                    if (!readSocket())
+                        return false;
+                } while (m_phase == Phase::ready && m_socket && isReadable(*m_socket));
+                return m_phase != Phase::ready ||
+                       linkFailed(QStringLiteral("the connection is broken"));
+            }
             if (const QString trouble = troubleOf(event); !trouble.isEmpty())
                 m_lastTrouble = trouble;
             else if (event == ZMQ_EVENT_CONNECT_RETRIED && m_lastTrouble.isEmpty())

@@ -15,6 +15,8 @@
 namespace sbs::frames {
 
 inline constexpr std::uint16_t kVersion = 1;
+/// Mass data that a consumer may have under way at most, whatever it grants.
+inline constexpr std::uint32_t kMaxCredits = 1024;
 inline constexpr std::uint32_t kMagic = 0x54435053; // "SPCT"
 inline constexpr std::size_t kMaxGuid = 256, kMaxKind = 64, kMaxToken = 64, kMaxReason = 1024;
 

@@ -108,7 +108,7 @@ void ServerCore::bind(const ServerOptions &options)
                                                       "ipc://path"));
     m_socket.set(zmq::sockopt::linger, 100); // so that a farewell still leaves
     m_socket.set(zmq::sockopt::router_mandatory, true);
-    m_socket.set(zmq::sockopt::sndhwm, int(options.maxUnseenStates + kMaxCredits + 256));
+    m_socket.set(zmq::sockopt::sndhwm, int(options.maxUnseenStates + frames::kMaxCredits + 256));
     m_socket.set(zmq::sockopt::maxmsgsize, std::int64_t(options.maxCommandBytes));
     m_socket.set(zmq::sockopt::handshake_ivl, 5000);
     m_socket.set(zmq::sockopt::ipv6, options.endpoint.contains('['));
@@ -143,6 +143,8 @@ int ServerCore::tickInterval() const
 
 bool ServerCore::service()
 {
+    // Before reading: while a window is made, what consumers say waits, and counts as heard.
+    const auto now = Clock::now();
     std::vector<Parts> batch;
     bool more = true;
     for (int pass = 0; more && pass < kBatchesAPass; ++pass) {
@@ -150,7 +152,6 @@ bool ServerCore::service()
         for (Parts &parts : batch)
             handle(parts);
     }
-    const auto now = Clock::now();
     lookAfterSessions(now);
     releaseWindows(now);
     // The answers sent meanwhile may have taken in what the descriptor announced.

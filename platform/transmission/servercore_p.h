@@ -18,9 +18,6 @@ namespace sbs {
 
 class IoThread;
 
-/// Mass data that a consumer may have under way at most, whatever it grants.
-inline constexpr std::uint32_t kMaxCredits = 1024;
-
 /// The inside of a Server: its socket, its sessions and their windows.
 ///
 /// The I/O thread reads and decides who comes and goes. Adapters send on their own threads: the

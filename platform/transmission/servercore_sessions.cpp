@@ -105,7 +105,7 @@ void ServerCore::hello(const std::string &route, const frames::Hello &hello)
         return refuse(route, false, "The window is too busy");
 
     const auto session =
-        std::make_shared<ServerSession>(m_options, std::min(hello.credits, kMaxCredits));
+        std::make_shared<ServerSession>(m_options, std::min(hello.credits, frames::kMaxCredits));
     session->route = route;
     session->windowGuid = guid;
     session->kind = QByteArray::fromStdString(hello.kind);
@@ -138,15 +138,21 @@ std::string ServerCore::findWindow(const QString &guid, std::shared_ptr<Controll
 
 void ServerCore::startSession(const SessionPtr &session)
 {
+    const auto count = [this] {
+        const Kelm::MutexLocker lock(m_mutex);
+        m_counts.consumers = m_sessions.size();
+    };
+    m_sessions.emplace(session->route, session);
+    count(); // before the consumer hears that it is one
     const bool posted =
         session->gate->post([self = shared_from_this(), session](IAdapterController &controller) {
             self->startAdapter(controller, session);
         });
-    if (!posted)
-        return refuse(session->route, false, "The window is just ending");
-    m_sessions.emplace(session->route, session);
-    const Kelm::MutexLocker lock(m_mutex);
-    m_counts.consumers = m_sessions.size();
+    if (posted)
+        return;
+    m_sessions.erase(session->route);
+    count();
+    refuse(session->route, false, "The window is just ending");
 }
 
 void ServerCore::startAdapter(IAdapterController &controller, const SessionPtr &session)

@@ -105,7 +105,7 @@ TEST(EndToEnd, ASlowMonitorLosesRowsButNoState)
     Monitor monitor(receiver.endpoint(), {"--seconds", "12"});
     QThread::sleep(2);
     monitor.signal(SIGSTOP);
-    QThread::msleep(3500);
+    QThread::msleep(2500);
     monitor.signal(SIGCONT);
     ASSERT_EQ(monitor.waitForEnd(60), 0) << monitor.errors().toStdString();
     const QJsonObject report = monitor.report();
@@ -167,7 +167,7 @@ TEST(EndToEnd, ASignalEndsTheRunEarlyWithItsFiles)
 {
     const Receiver receiver({"--input", band()});
     Monitor monitor(receiver.endpoint(), {"--seconds", "600"});
-    QThread::sleep(3);
+    ASSERT_TRUE(monitor.waitForMessage(QStringLiteral("scans/s"), 60));
     monitor.signal(SIGTERM);
     EXPECT_EQ(monitor.waitForEnd(20), 0) << monitor.errors().toStdString();
     expectBand(monitor.report());

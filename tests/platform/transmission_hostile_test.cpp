@@ -26,7 +26,7 @@ public:
           m_socket(*m_context, zmq::socket_type::dealer)
     {
         m_socket.set(zmq::sockopt::linger, 0);
-        m_socket.set(zmq::sockopt::rcvtimeo, 3000);
+        m_socket.set(zmq::sockopt::rcvtimeo, 30000);
         m_socket.connect(endpoint.constData());
     }
     void say(const std::vector<std::string> &parts)
@@ -132,7 +132,9 @@ TEST(TransmissionHostile, AnotherProtocolVersionIsRefused)
 TEST(TransmissionHostile, ASilentPeersAdapterGoes)
 {
     Windows windows;
-    const auto server = makeServer(windows);
+    sbs::ServerOptions options = fastOptions();
+    options.silentAfter = std::chrono::milliseconds(300);
+    const auto server = makeServer(windows, options);
     RawPeer peer(server->getEndpoint());
     peer.sayHello();
     ASSERT_TRUE(peer.expect<Ready>());
@@ -155,6 +157,9 @@ TEST(TransmissionHostile, APeerThatTakesInNoStateIsDisconnected)
         for (int i = 0; i < 20; ++i)
             adapter.sendIncrementalStateUpdate("change");
     });
+    const auto farewell = peer.expect<Farewell>();
+    ASSERT_TRUE(farewell);
+    EXPECT_EQ(farewell->reason, "The consumer takes in no state");
     EXPECT_TRUE(waitFor([&] { return server->statistics().consumers == 0; }));
 }
 
@@ -252,7 +257,9 @@ TEST(TransmissionHostile, SignalsInterruptNothing)
 TEST(TransmissionHostile, AKilledConsumerIsReplacedWhenItComesBack)
 {
     Windows windows;
-    const auto server = makeServer(windows);
+    sbs::ServerOptions options = fastOptions();
+    options.windowGrace = std::chrono::seconds(60);
+    const auto server = makeServer(windows, options);
     {
         RawPeer killed(server->getEndpoint());
         killed.sayHello();

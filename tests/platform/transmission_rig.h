@@ -138,7 +138,7 @@ public:
     }
 
     Kelm::Mutex m_door; // while it is held, the server waits for the window that it asks for
-    std::atomic<int> m_made{0}, m_released{0};
+    std::atomic<int> m_asked{0}, m_made{0}, m_released{0};
     std::atomic<std::uint64_t> m_lost{0};
     std::atomic<bool> m_wrongThread{false};
 
@@ -165,6 +165,7 @@ public:
     explicit Controllers(Windows &windows) : m_windows(windows) {}
     sbs::IAdapterController *create(const QString &guid) const override
     {
+        ++m_windows.m_asked;
         const Kelm::MutexLocker lock(m_windows.m_door);
         return guid == QStringLiteral("forbidden") ? nullptr : m_windows.createOrGet(guid);
     }
@@ -183,7 +184,7 @@ inline sbs::ServerOptions fastOptions(const QByteArray &endpoint = "tcp://127.0.
     sbs::ServerOptions options;
     options.endpoint = endpoint;
     options.heartbeat = std::chrono::milliseconds(30);
-    options.silentAfter = std::chrono::milliseconds(600);
+    options.silentAfter = std::chrono::seconds(60); // raw peers don't beat
     options.windowGrace = std::chrono::milliseconds(150);
     return options;
 }
@@ -202,7 +203,7 @@ public:
                       const QByteArray &kind = "Echo", sbs::ConsumerOptions options = {})
     {
         options.retryMs = 100;
-        options.silentMs = 600;
+        options.silentMs = 5000;
         const sbs::ConsumerGroup group(address, guid, options);
         m_connector =
             std::make_unique<sbs::ConsumerConnector>(nullptr, kind, address, group.getContext());
@@ -217,6 +218,14 @@ public:
         c->join(group);
     }
 
+    /// Whatever else it was told before.
+    bool waitForTrouble(const char *text)
+    {
+        return waitFor([&] {
+            return std::any_of(m_trouble.begin(), m_trouble.end(),
+                               [&](const QString &told) { return told.contains(text); });
+        });
+    }
     bool waitForReady(int times = 1)
     {
         return waitFor([&] { return m_ready >= times && m_states.contains("full:"); });

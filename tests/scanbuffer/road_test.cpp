@@ -150,7 +150,7 @@ TYPED_TEST(Road, ADisplayShowsWhatTheMapWasGiven)
     Display waterfall(AdapterType_Waterfall, group, {});
 
     // Scans that come before the parameters don't show them, so feed until one does.
-    ASSERT_TRUE(rig::waitFor([&] {
+    ASSERT_TRUE(waitFor([&] {
         this->feed(0);
         return curve.m_curves[1] == this->levels(0, last) && waterfall.m_row.size() == kChannels &&
                axis.m_grid == grid;
@@ -159,7 +159,7 @@ TYPED_TEST(Road, ADisplayShowsWhatTheMapWasGiven)
     for (int scan = 1; scan <= 3; ++scan) {
         this->feed(scan);
         const std::string row = this->colors(scan, waterfall.m_yRange);
-        rig::waitFor([&] {
+        waitFor([&] {
             return curve.m_curves[0] == this->levels(scan, 0) &&
                    curve.m_curves[1] == this->levels(scan, last) && waterfall.m_row == row &&
                    waterfall.m_rowTime == this->m_time;

@@ -122,9 +122,12 @@ TEST_F(VtFileTest, IsTheOldOrTheNewOneAfterAKill)
     VtFile(m_name, &first, nullptr).Write();
     const QByteArray versions[] = {VtXml::ToXml(&first).toUtf8(), VtXml::ToXml(&second).toUtf8()};
     std::mt19937 random(1);
-    std::uniform_int_distribution<int> microseconds(0, 15000);
+    int longest = 15000; // microseconds; a slow disk needs more for the two writes
     int seen[2] = {};
-    for (int round = 0; round < kRounds; ++round) {
+    for (int round = 0; round < kRounds || (longest < 2000000 && !(seen[0] && seen[1])); ++round) {
+        if (round >= kRounds)
+            longest *= 2;
+        std::uniform_int_distribution<int> microseconds(0, longest);
         const pid_t child = fork();
         if (child == 0) {
             for (int i = 0;; ++i)
