@@ -82,7 +82,7 @@ function(spectree_fuzz name)
     target_link_libraries(${name} PRIVATE spectree ${arg_LIBRARIES})
     target_compile_options(${name} PRIVATE -fsanitize=fuzzer)
     target_link_options(${name} PRIVATE -fsanitize=fuzzer)
-    # The same inputs each time, as far as the machine gets: a longer run looks for new ones.
+    # In a fresh build folder the same inputs each time, as far as the machine gets.
     add_test(NAME ${name} COMMAND ${name} -seed=1 -max_total_time=5 -rss_limit_mb=1024 -timeout=10
         "${CMAKE_CURRENT_BINARY_DIR}/work/${name}" "${PROJECT_SOURCE_DIR}/fuzz/corpus/${name}")
     # New inputs go to a scratch folder of the build, never into the seeds.

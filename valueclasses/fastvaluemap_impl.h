@@ -63,13 +63,15 @@ template <typename Y, typename YHandler>
 requires SampleHandler<YHandler, Y>
 void FastValueMap<Y, YHandler>::Assign(const ValueBase &other)
 {
-    ValueMap<Y, YHandler>::Assign(other);
-    const auto *map = dynamic_cast<const FastValueMap *>(&other);
-    if (map == nullptr || map == this || map->m_definition.empty())
+    if (this->PostAssignByReference(other))
         return;
-    if (m_buffer != nullptr)
-        m_buffer->setChannelRangeDefinition(map->m_definition);
-    m_definition = map->m_definition;
+    const auto *map = dynamic_cast<const FastValueMap *>(&other);
+    if (map != nullptr && map != this && !map->m_definition.empty()) {
+        if (m_buffer != nullptr)
+            m_buffer->setChannelRangeDefinition(map->m_definition);
+        m_definition = map->m_definition;
+    }
+    ValueMap<Y, YHandler>::Assign(other);
 }
 
 template <typename Y, typename YHandler>

@@ -133,10 +133,12 @@ int KFactor::SaveToFile(const QString &fileName)
         if (!std::isfinite(point.value + m_maxOffset) ||
             (point.minimum != KF::kNoMinimum && !std::isfinite(point.minimum + m_minOffset)))
             return fail("A number of a curve is not finite");
+    const QByteArray text = saved.ToCSVString().toUtf8();
+    if (text.size() > kLargestFile)
+        return fail("The curve is too long for a file");
     const QFileInfo there(fileName);
     QSaveFile file(fileName);
     const bool isOpen = (!there.exists() || there.isFile()) && file.open(QIODevice::WriteOnly);
-    const QByteArray text = saved.ToCSVString().toUtf8();
     if (!isOpen || file.write(text) != text.size() || !file.commit())
         return fail("File open failed!");
     for (KF &point : saved.m_points) {

@@ -74,22 +74,36 @@ ValueBase &ValueBase::operator=(const ValueBase &other)
     if (this == &other)
         return *this;
     m_type = other.m_type;
-    // The tree's index and a timer belong to the application thread.
-    if (m_deleteObserver != nullptr && m_name != other.m_name && isForeignThread())
-        PostChange([this, name = other.m_name] { storeName(name); });
-    else
-        storeName(other.m_name);
     m_state = other.m_state;
     m_properties = other.m_properties;
     SetAutoDelete(other.IsAutoDelete());
     m_descriptor = other.m_descriptor;
-    if (const unsigned period = other.GetUpdateTimerTime();
-        period == GetUpdateTimerTime() || !isForeignThread())
-        startTimer(period);
-    else
-        PostChange([this, period] { startTimer(period); });
-    SetUndoManager(other.GetUndoManager());
+    if (isForeignThread()) {
+        takePlaceElsewhere(other);
+    } else {
+        storeName(other.m_name);
+        startTimer(other.GetUpdateTimerTime());
+        SetUndoManager(other.GetUndoManager()); // may tell somebody who deletes this value
+    }
     return *this;
+}
+
+/// The tree's index, timers and undo belong to the application thread.
+void ValueBase::takePlaceElsewhere(const ValueBase &other)
+{
+    const unsigned period = other.GetUpdateTimerTime();
+    IUndoManager *const manager = other.GetUndoManager();
+    const bool isBound = m_deleteObserver != nullptr || m_rare != nullptr || hasFlag(HasUndo);
+    if (m_deleteObserver == nullptr)
+        m_name = other.m_name;
+    if (isBound || period != 0)
+        PostChange([this, name = other.m_name, period, manager] {
+            storeName(name);
+            startTimer(period);
+            SetUndoManager(IUndoManager::IsAlive(manager) ? manager : nullptr);
+        });
+    else
+        m_undoManager.store(manager);
 }
 
 namespace {
@@ -286,14 +300,17 @@ bool ValueBase::Compare(const ValueBase *other) const
            GetUpdateTimerTime() == other->GetUpdateTimerTime();
 }
 
-void ValueBase::postAssign(const ValueBase &other)
+bool ValueBase::PostAssignByReference(const ValueBase &other)
 {
+    if (!IsChangeForeign() && !other.IsChangeForeign())
+        return false;
     // It ends with its hand-over object.
     const QPointer<NotifyDistinction> alive(&const_cast<ValueBase &>(other).handOver());
     PostChange([this, &other, alive] {
         if (!alive.isNull())
             Assign(other);
     });
+    return true;
 }
 
 void ValueBase::failAssign(const ValueBase &other)

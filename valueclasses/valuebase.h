@@ -96,7 +96,8 @@ public:
     void SetFlagExport(bool on) { setProperty(PropertyExport, on); }
 
     // Value and state
-    /// A value of a kind overrides these two: this is what an observer of its end is told.
+    /// Every kind overrides these two. This is what a value answers while it dies: the type that it
+    /// had in a tree.
     ValueType GetType() const override { return m_type; }
     QString GetTypeName() const override { return {}; }
     void SetStringValue(QString text, IObserver *source) override;
@@ -255,19 +256,19 @@ protected:
     bool PostAssignIfForeign(const V &other)
     {
         const ValueBase &base = other;
-        if (base.IsChangeForeign())
-            postAssign(base);
-        else if (IsChangeForeign())
-            // The poster may be the last to drop the change, and no value may end on its thread.
-            PostChange([this, copy = std::make_shared<V>(other)]() mutable {
-                const KeepLastDeletedObject keep; // nobody knew the copy
-                const auto own = std::move(copy);
-                Assign(*own);
-            });
-        else
-            return false;
+        if (base.IsChangeForeign() || !IsChangeForeign())
+            return PostAssignByReference(other);
+        // The poster may be the last to drop the change, and no value may end on its thread.
+        PostChange([this, copy = std::make_shared<V>(other)]() mutable {
+            auto own = std::move(copy);
+            static_cast<V *>(this)->V::Assign(*own); // the copy is a V, whatever this is
+            const KeepLastDeletedObject keep;        // nobody knew the copy
+            own.reset();
+        });
         return true;
     }
+    /// The same without a copy, for a kind that holds too much: \a other must live until then.
+    bool PostAssignByReference(const ValueBase &other);
     /// Runs \a change on the application thread, after those posted before; dropped when this value
     /// dies first. The first one is traced. While 10 000 wait, the caller waits for up to a second.
     void PostChange(std::function<void()> change);
@@ -305,6 +306,7 @@ private:
     static unsigned char initialFlags();
     void setProperty(Property property, bool on);
     void storeName(const QString &name);
+    void takePlaceElsewhere(const ValueBase &other);
     bool isForeignThread() const;
     void forgetUndo();
     Rare &rare();
@@ -318,7 +320,7 @@ private:
     void notifyHere(TChangeCode code, IObserver *source);
     [[noreturn]] void failWrongThread(TChangeCode code) const;
     [[noreturn]] static void failAssign(const ValueBase &other);
-    void postAssign(const ValueBase &other);
+    void postLate(std::unique_ptr<Command> command, void (ValueBase::*add)(Command *));
     bool closeUndoBracket(TChangeCode code);
     friend class NotifyDistinction;
     void NotificationEnded() override;

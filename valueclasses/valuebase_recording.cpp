@@ -58,10 +58,8 @@ void ValueBase::SuspendCommandRecordingForTransmission(bool suspend)
 void ValueBase::RecordCommand(Command *command)
 {
     std::unique_ptr<Command> own(command);
-    if (isForeignThread()) // recording came to be wanted while the change was on its way
-        return PostChange([this, posted = std::shared_ptr<Command>(std::move(own))] {
-            RecordCommand(posted->Clone());
-        });
+    if (isForeignThread())
+        return postLate(std::move(own), &ValueBase::RecordCommand);
     std::unique_ptr<Command> second;
     if (IsCommandRecording() && IsCommandRecordingForTransmission())
         second.reset(command->Clone());
@@ -74,13 +72,25 @@ void ValueBase::RecordCommand(Command *command)
 void ValueBase::AddCommand(Command *command)
 {
     std::unique_ptr<Command> own(command);
+    if (isForeignThread())
+        return postLate(std::move(own), &ValueBase::AddCommand);
     rare().commandList.push_back(std::move(own));
 }
 
 void ValueBase::AddCommandForTransmission(Command *command)
 {
     std::unique_ptr<Command> own(command);
+    if (isForeignThread())
+        return postLate(std::move(own), &ValueBase::AddCommandForTransmission);
     rare().commandListForTransmission.push_back(std::move(own));
+}
+
+/// Recording came to be wanted while the change was on its way.
+void ValueBase::postLate(std::unique_ptr<Command> command, void (ValueBase::*add)(Command *))
+{
+    PostChange([this, add, posted = std::shared_ptr<Command>(std::move(command))] {
+        (this->*add)(posted->Clone());
+    });
 }
 
 void ValueBase::releaseCommands()

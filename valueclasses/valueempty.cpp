@@ -2,7 +2,14 @@
 
 namespace values {
 
-void ValueEmpty::Assign(const ValueBase &other) { *this = CastForAssign<ValueEmpty>(other); }
+void ValueEmpty::Assign(const ValueBase &other)
+{
+    const auto &same = CastForAssign<ValueEmpty>(other);
+    if (PostAssignIfForeign(same))
+        return;
+    m_remark = same.m_remark;
+    ValueBase::operator=(other);
+}
 
 bool ValueEmpty::Compare(const ValueBase *other) const
 {

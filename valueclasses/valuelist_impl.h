@@ -55,9 +55,9 @@ ValueList<T, F, S> &ValueList<T, F, S>::operator=(const ValueList &other)
 {
     if (this == &other)
         return *this;
-    ValueBase::operator=(other);
     m_items = other.m_items;
     ToBegin();
+    ValueBase::operator=(other); // last, for it may tell somebody who deletes this value
     return *this;
 }
 

@@ -43,9 +43,11 @@ template <typename Y, typename YHandler>
 requires SampleHandler<YHandler, Y>
 void ValueMap<Y, YHandler>::Assign(const ValueBase &other)
 {
-    ValueBase::operator=(other);
+    if (this->PostAssignByReference(other))
+        return;
     if (const auto *map = dynamic_cast<const MappingBase *>(&other))
         this->m_width4Interpolation = map->MappingBase::GetWidth4Interpolation(-1.0);
+    ValueBase::operator=(other); // last, for it may tell somebody who deletes this value
 }
 
 template <typename Y, typename YHandler>
@@ -216,7 +218,7 @@ template <typename Y, typename YHandler>
 requires SampleHandler<YHandler, Y>
 void ValueMap<Y, YHandler>::HasChanged(TChangeCode code, IObserver *source)
 {
-    if (this->PostIfForeign([this, code, source] { HasChanged(code, source); }))
+    if (this->PostIfForeign([this, code, source] { ValueMap::HasChanged(code, source); }))
         return;
     const LifeWatch watch(this);
     stampChange(code);

@@ -72,11 +72,13 @@ void fillItem(Node &node, QDomElement &element)
         VtXmlParts::fail(
             QStringLiteral("The item \"%1\" can't stand below \"%2\".").arg(name, node.GetName()));
     if (type == QLatin1String("node")) {
-        auto child = std::make_unique<Node>(name);
-        if (!node.AddNode(QString(), child.get()))
+        auto *const child = new Node(name);
+        if (!node.AddNode(QString(), child)) {
+            delete child;
             VtXmlParts::fail(
                 QStringLiteral("The item \"%1\" is deeper than a tree may be.").arg(name));
-        fill(*child.release(), element);
+        }
+        fill(*child, element);
         return;
     }
     std::unique_ptr<ValueBase> value =
@@ -84,8 +86,9 @@ void fillItem(Node &node, QDomElement &element)
     if (value == nullptr)
         return;
     XmlValueFactory::Instance().HandlerFor(*value).FromXml(value.get(), element);
-    if (node.AddValue(QString(), value.get()))
-        static_cast<void>(value.release());
+    ValueBase *const made = value.release(); // an observer that throws does so when it stands
+    if (!node.AddValue(QString(), made))
+        delete made;
 }
 
 /// A repair may delete the node.
@@ -132,10 +135,11 @@ void VtXml::fromString(const QString &xml)
 
 void VtXml::AddNode(Node *node)
 {
-    if (node != nullptr && VtXmlParts::isItemName(node->GetName()))
-        addItem(m_root, m_document, *node);
-    else
+    if (node == nullptr || !VtXmlParts::isItemName(node->GetName()))
         VtXmlParts::fail(QStringLiteral("Only a node with a name can be added."));
+    if (VtXmlParts::isNameTooLong(node->GetName()))
+        VtXmlParts::fail(QStringLiteral("The name of the node is too long."));
+    addItem(m_root, m_document, *node);
 }
 
 QString VtXml::GetString() const
@@ -165,9 +169,17 @@ Node *VtXml::CreateNodeAt(int index) const
         return nullptr;
     auto node = std::make_unique<Node>(name);
     const ItemWatch watch(node.get());
-    fill(*node, element);
-    Node *const made = node.release();
-    return watch.isGone() ? nullptr : made;
+    const auto takeLiving = [&] {
+        Node *const made = node.release();
+        return watch.isGone() ? nullptr : made;
+    };
+    try {
+        fill(*node, element);
+    } catch (...) {
+        node.reset(takeLiving());
+        throw;
+    }
+    return takeLiving();
 }
 
 bool VtXml::CheckVersion(const QString &fileVersion)

@@ -13,6 +13,8 @@ namespace values::VtXmlParts {
 bool accept(const XmlDocument &document);
 /// Not empty, and without the "/" that parts a path.
 bool isItemName(const QString &name);
+/// As the name of an element.
+bool isNameTooLong(const QString &name);
 /// False, and traced, for an item that couldn't be read again.
 bool canKeep(TreeItem &child);
 /// Empty without a published descriptor.

@@ -55,6 +55,11 @@ bool accept(const XmlDocument &document)
 
 bool isItemName(const QString &name) { return !name.isEmpty() && !name.contains(QLatin1Char('/')); }
 
+bool isNameTooLong(const QString &name)
+{
+    return XmlTextForms::EncodeName(name).size() > kLongestName;
+}
+
 bool canKeep(TreeItem &child)
 {
     const QString name = child.GetName();
@@ -62,7 +67,7 @@ bool canKeep(TreeItem &child)
     const char *reason = nullptr;
     if (!isItemName(name))
         reason = "it has no name, or one with a \"/\"";
-    else if (XmlTextForms::EncodeName(name).size() > kLongestName)
+    else if (isNameTooLong(name))
         reason = "its name is too long";
     else if (child.GetParent()->GetChild(name) != &child)
         reason = "another item has its name";

@@ -76,11 +76,11 @@ private:
             return next;
         if (tag.startsWith(u'!')) {
             const QStringView declaration = tag.left(length);
-            // An identifier in quotes may hold what looks like a comment, and lead elsewhere.
-            if (m_hasType || std::any_of(declaration.begin(), declaration.end(), [](QChar c) {
-                    return c == u'[' || c == u'"' || c == u'\'';
-                }))
+            if (m_hasType || declaration.contains(u'['))
                 failAt(at, QStringLiteral("The document type has declarations of its own"));
+            // In quotes it may hold what looks like a comment.
+            if (declaration.contains(u'"') || declaration.contains(u'\''))
+                failAt(at, QStringLiteral("The document type has an identifier"));
             m_hasType = true;
             return next;
         }

@@ -105,7 +105,7 @@ double Feeder::microsecondsUntilDue()
     }
     const double left = m_baseClock + double(m_time - m_baseTime) / m_plan.speed - now;
     // At a low speed a wait may well take more than an hour: its gap does not.
-    const bool gap = left * std::min(m_plan.speed, 1.0) > kLongestGapMicroseconds;
+    const bool gap = left * m_plan.speed > kLongestGapMicroseconds;
     if (gap && !std::exchange(m_gapTold, true))
         Q_EMIT gapSkipped();
     if (gap || -left > kMostLateMicroseconds) {

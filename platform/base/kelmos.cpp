@@ -35,7 +35,8 @@ void noteAppThread()
 }
 Q_COREAPP_STARTUP_FUNCTION(noteAppThread)
 
-/// Before the library's own static objects go, on whatever thread that closes it.
+/// When the library is closed, on whatever thread: before its own static objects go. At the end of
+/// the process they have gone already.
 [[gnu::destructor]] void noteUnloading() { Kelm::setUnloading(true); }
 
 class Platform final : public IKelmOS {

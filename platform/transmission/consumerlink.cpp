@@ -11,6 +11,7 @@ namespace sbs {
 namespace {
 
 constexpr int kSlowestRetry = 10; // times the first wait
+constexpr int kLastPasses = 32;   // over a broken link
 
 /// What a monitor event says of a try to connect; empty when it says no trouble.
 QString troubleOf(int event)
@@ -101,12 +102,17 @@ bool ConsumerConnectorPrivate::readMonitor()
         while (m_monitor && receiveParts(*m_monitor, parts)) {
             const int event = eventOf(parts[0]);
             if (event == ZMQ_EVENT_DISCONNECTED && m_phase == Phase::ready) {
-                do { // what had come before the break is still there to be read
+                // What had come before the break is still there to be read. A slot may have made
+                // the link anew meanwhile.
+                const void *const broken = m_socket->handle();
+                const auto isBroken = [&] {
+                    return m_phase == Phase::ready && m_socket && m_socket->handle() == broken;
+                };
+                for (int pass = 0; pass < kLastPasses && isBroken() && isReadable(*m_socket);
+                     ++pass)
                     if (!readSocket())
                         return false;
-                } while (m_phase == Phase::ready && m_socket && isReadable(*m_socket));
-                return m_phase != Phase::ready ||
-                       linkFailed(QStringLiteral("the connection is broken"));
+                return !isBroken() || linkFailed(QStringLiteral("the connection is broken"));
             }
             if (const QString trouble = troubleOf(event); !trouble.isEmpty())
                 m_lastTrouble = trouble;

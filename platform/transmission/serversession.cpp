@@ -26,9 +26,10 @@ std::uint64_t OutgoingFlow::push(bool stateIndependent, const QByteArray &messag
     m_waiting.push_back({stateIndependent, message});
     m_waitingBytes += std::size_t(message.size());
     if (mayGo())
-        return 0; // it goes out at once
+        return 0; // the next one goes out at once
     const std::uint64_t lostBefore = m_lost;
-    while (m_waiting.size() > m_maxWaiting || m_waitingBytes > m_maxWaitingBytes)
+    while (m_waiting.size() > m_maxWaiting ||
+           (m_waiting.size() > 1 && m_waitingBytes > m_maxWaitingBytes))
         dropOldest();
     return m_lost - lostBefore;
 }

@@ -167,7 +167,7 @@ TEST(EndToEnd, ASignalEndsTheRunEarlyWithItsFiles)
 {
     const Receiver receiver({"--input", band()});
     Monitor monitor(receiver.endpoint(), {"--seconds", "600"});
-    ASSERT_TRUE(monitor.waitForMessage(QStringLiteral("scans/s"), 60));
+    ASSERT_TRUE(monitor.waitForMessage(QStringLiteral(": [1-9].* lines, "), 60));
     monitor.signal(SIGTERM);
     EXPECT_EQ(monitor.waitForEnd(20), 0) << monitor.errors().toStdString();
     expectBand(monitor.report());
@@ -179,7 +179,7 @@ TEST(EndToEnd, APictureThatCannotBeWrittenLeavesTheReport)
     QTemporaryDir gone;
     const QString picture = gone.filePath(QStringLiteral("picture.png"));
     Monitor monitor(receiver.endpoint(), {"--seconds", "600", "--png", picture});
-    ASSERT_TRUE(monitor.waitForMessage(QStringLiteral("scans/s"), 60));
+    ASSERT_TRUE(monitor.waitForMessage(QStringLiteral(": [1-9].* lines, "), 60));
     ASSERT_TRUE(gone.remove());
     monitor.signal(SIGINT);
     EXPECT_EQ(monitor.waitForEnd(60), 1);

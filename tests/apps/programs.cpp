@@ -3,6 +3,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QJsonDocument>
+#include <QRegularExpression>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -61,8 +62,9 @@ QString Program::firstLine(int seconds)
     return output().section(QLatin1Char('\n'), 0, 0);
 }
 
-bool Program::waitForMessage(const QString &text, int seconds)
+bool Program::waitForMessage(const QString &pattern, int seconds)
 {
+    const QRegularExpression text(pattern);
     m_process.setReadChannel(QProcess::StandardError);
     QElapsedTimer clock;
     clock.start();

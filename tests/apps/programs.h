@@ -25,8 +25,8 @@ public:
     bool isRunning() const { return m_process.state() == QProcess::Running; }
     /// The first line of standard output, waited for. Empty when none came.
     QString firstLine(int seconds);
-    /// Waits until standard error holds \a text. False when it never does.
-    bool waitForMessage(const QString &text, int seconds);
+    /// Waits until standard error matches \a pattern. False when it never does.
+    bool waitForMessage(const QString &pattern, int seconds);
     /// All of standard error so far.
     QString errors();
     QString output();

@@ -187,6 +187,8 @@ TEST(TransmissionHostile, APeerThatOnlyGrantsIsSentNoMoreBytesThanTheLimit)
         {"one taken, one of those that wait goes", 1, {}, 1, 16},
         {"all taken: the last one goes, and one beside it", 3, {400}, 2, 16},
         {"nothing under way: one goes, however long", 5, {5000, 1}, 1, 16},
+        {"a long one waits for the end of what is under way", 6, {5000}, 1, 16},
+        {"and goes then", 7, {}, 1, 16},
     };
     for (const Step &step : steps) {
         SCOPED_TRACE(step.name);

@@ -478,9 +478,14 @@ TEST(Window, CursorsStepThroughPixelsChannelsAndMaxima)
     EXPECT_EQ(next(true), std::pair(4, 4.0)) << "none above the threshold: the start, cut";
 }
 
-TEST(WindowLevels, HideWhatIsNotAboveTheThreshold)
+TEST(WindowLevels, HaveTheirRangesAndHideWhatIsNotAboveTheThreshold)
 {
     sbs::WindowLevels levels;
+    using Range = sbs::WindowLevels::Range;
+    const Range ranges[] = {{-30, 130}, {0, 255}, {0, 255}, {0, 360}, {0, 90}, {0, 100}};
+    for (short dimension = 0; dimension < 6; ++dimension)
+        EXPECT_EQ(levels.GetYRange(dimension), ranges[dimension]) << dimension;
+
     levels.init(2);
     EXPECT_FALSE(levels.filteredByThreshold(-1e30, 0, false)) << "nothing is below the first one";
     levels.SetThreshold(20.0);

@@ -156,6 +156,13 @@ TEST(ValueSelection, AnswersWhatIsNotThere)
     EXPECT_THROW(modes->Assign(TestValue()), KRException);
 }
 
+TEST(ValueSelection, RefusesAnUnknownCommandWithAllBeforeIt)
+{
+    const auto modes = makeModes(), before = makeModes();
+    EXPECT_THROW(modes->SetCommandString("25;27;", nullptr, -1), KRException);
+    EXPECT_TRUE(modes->Compare(before.get()));
+}
+
 TEST(ValueSelection, OptimizesOnlyWhatIsSuperseded)
 {
     ValueSelection value("s");

@@ -113,7 +113,7 @@ TEST(ValueThreads, AnAssignmentWaitsForWhatIsPosted)
     Value<int> value("a", 0), recorded("c", 3);
     value.CommandRecordingOn();
     recorded.CommandRecordingOn();
-    ErrorHandler::Instance().SetTraceMask(0);
+    const QuietTraces quiet;
     runElsewhere([&] {
         value.SetValue(1, nullptr);
         value.Assign(two);
@@ -138,7 +138,6 @@ TEST(ValueThreads, AnAssignmentWaitsForWhatIsPosted)
     EXPECT_EQ(plain.GetUpdateTimerTime(), 0U);
     QCoreApplication::processEvents();
     EXPECT_EQ(plain.GetUpdateTimerTime(), 100000U);
-    ErrorHandler::Instance().SetTraceMask(TraceWarnings);
 }
 
 TEST(ValueThreads, AFloodWaitsForTheApplicationThreadAndLosesNothing)

@@ -37,6 +37,7 @@ TEST(WellKnownNames, KeepTheirSpelling)
         {copiedAtStart, "FREQUENCY"},
         {kREC_LOADED, "REC_LOADED"}, // the first
         {kWFFM, "WFFM"},             // the last
+        {kDEMODUALTIONFREQUENCY, "DEMODUALTIONFREQUENCY"},
         {kPath_Edit_MSEARCH, "/Edit/MSEARCH"},
     };
     for (const auto &[constant, text] : cases)

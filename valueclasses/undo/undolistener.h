@@ -8,8 +8,8 @@
 namespace values {
 
 /// Somebody who shows what can be undone. It may be told in the middle of a setter, before the new
-/// state is stored: it may delete values, but must not change one that has the manager, nor end who
-/// tells it.
+/// state is stored: it may delete values, but none that is being assigned with "=", and must not
+/// change one that has the manager, nor end who tells it.
 class SPECTREE_EXPORT IUndoRecordingsListener {
 public:
     virtual ~IUndoRecordingsListener() = default;
