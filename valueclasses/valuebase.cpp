@@ -93,12 +93,17 @@ void ValueBase::takePlaceElsewhere(const ValueBase &other)
 {
     const unsigned period = other.GetUpdateTimerTime();
     IUndoManager *const manager = other.GetUndoManager();
-    const bool isBound = m_deleteObserver != nullptr || m_rare != nullptr || hasFlag(HasUndo);
-    if (m_deleteObserver == nullptr)
-        m_name = other.m_name;
-    if (isBound || period != 0)
-        PostChange([this, name = other.m_name, period, manager] {
-            storeName(name);
+    const bool waits = hasFlag(ChangesPosted);
+    const bool isInTree = m_deleteObserver != nullptr;
+    const bool rename = isInTree && (waits || m_name != other.m_name);
+    if (!isInTree)
+        m_name = other.m_name; // as SetName does
+    if (!waits && !rename && period == GetUpdateTimerTime() && manager == GetUndoManager())
+        return;
+    if (waits || rename || m_rare != nullptr || hasFlag(HasUndo) || period != 0)
+        PostChange([this, rename, name = other.m_name, period, manager] {
+            if (rename)
+                storeName(name);
             startTimer(period);
             SetUndoManager(IUndoManager::IsAlive(manager) ? manager : nullptr);
         });
@@ -304,13 +309,20 @@ bool ValueBase::PostAssignByReference(const ValueBase &other)
 {
     if (!IsChangeForeign() && !other.IsChangeForeign())
         return false;
+    postAssign(const_cast<ValueBase &>(other));
+    return true;
+}
+
+void ValueBase::postAssign(ValueBase &other)
+{
     // It ends with its hand-over object.
-    const QPointer<NotifyDistinction> alive(&const_cast<ValueBase &>(other).handOver());
+    const QPointer<NotifyDistinction> alive(&other.handOver());
     PostChange([this, &other, alive] {
         if (!alive.isNull())
             Assign(other);
     });
-    return true;
+    if (&other != this)
+        other.PostChange([] {}); // what changes there from now on waits behind
 }
 
 void ValueBase::failAssign(const ValueBase &other)

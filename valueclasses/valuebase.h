@@ -256,8 +256,12 @@ protected:
     bool PostAssignIfForeign(const V &other)
     {
         const ValueBase &base = other;
-        if (base.IsChangeForeign() || !IsChangeForeign())
-            return PostAssignByReference(other);
+        if (base.IsChangeForeign()) {
+            postAssign(const_cast<ValueBase &>(base));
+            return true;
+        }
+        if (!IsChangeForeign())
+            return false;
         // The poster may be the last to drop the change, and no value may end on its thread.
         PostChange([this, copy = std::make_shared<V>(other)]() mutable {
             auto own = std::move(copy);
@@ -267,7 +271,7 @@ protected:
         });
         return true;
     }
-    /// The same without a copy, for a kind that holds too much: \a other must live until then.
+    /// The same for a kind that can't be copied: \a other is read there, whatever it is.
     bool PostAssignByReference(const ValueBase &other);
     /// Runs \a change on the application thread, after those posted before; dropped when this value
     /// dies first. The first one is traced. While 10 000 wait, the caller waits for up to a second.
@@ -320,6 +324,7 @@ private:
     void notifyHere(TChangeCode code, IObserver *source);
     [[noreturn]] void failWrongThread(TChangeCode code) const;
     [[noreturn]] static void failAssign(const ValueBase &other);
+    void postAssign(ValueBase &other);
     void postLate(std::unique_ptr<Command> command, void (ValueBase::*add)(Command *));
     bool closeUndoBracket(TChangeCode code);
     friend class NotifyDistinction;

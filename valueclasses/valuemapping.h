@@ -27,7 +27,8 @@ public:
 
     ValueType GetType() const override;
     QString GetTypeName() const override;
-    /// What the base copies, and the interpolation width.
+    /// What the base copies, and the interpolation width. Where a change of this thread would be
+    /// posted, \a other must live until the event loop has run.
     void Assign(const ValueBase &other) override;
 
     void SetXYValue(double x, const Y &y) override;

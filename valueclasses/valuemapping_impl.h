@@ -55,14 +55,8 @@ requires SampleHandler<YHandler, Y>
 template <typename NewCommand, typename... Arguments>
 void ValueMap<Y, YHandler>::recordForBoth(const Arguments &...arguments)
 {
-    if (!this->Record())
-        return;
-    auto command = std::make_unique<NewCommand>(this, nullptr, arguments...);
-    if (!this->IsChangeForeign())
-        return this->RecordCommand(command.release());
-    this->PostChange([this, posted = std::shared_ptr<Command>(std::move(command))] {
-        this->RecordCommand(posted->Clone());
-    });
+    if (this->Record())
+        this->RecordCommand(new NewCommand(this, nullptr, arguments...));
 }
 
 template <typename Y, typename YHandler>

@@ -73,12 +73,14 @@ void fillItem(Node &node, QDomElement &element)
             QStringLiteral("The item \"%1\" can't stand below \"%2\".").arg(name, node.GetName()));
     if (type == QLatin1String("node")) {
         auto *const child = new Node(name);
+        const ItemWatch watch(child);
         if (!node.AddNode(QString(), child)) {
             delete child;
             VtXmlParts::fail(
                 QStringLiteral("The item \"%1\" is deeper than a tree may be.").arg(name));
         }
-        fill(*child, element);
+        if (!watch.isGone())
+            fill(*child, element);
         return;
     }
     std::unique_ptr<ValueBase> value =

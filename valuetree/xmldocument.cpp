@@ -76,11 +76,11 @@ private:
             return next;
         if (tag.startsWith(u'!')) {
             const QStringView declaration = tag.left(length);
-            if (m_hasType || declaration.contains(u'['))
-                failAt(at, QStringLiteral("The document type has declarations of its own"));
             // In quotes it may hold what looks like a comment.
             if (declaration.contains(u'"') || declaration.contains(u'\''))
                 failAt(at, QStringLiteral("The document type has an identifier"));
+            if (m_hasType || declaration.contains(u'['))
+                failAt(at, QStringLiteral("The document type has declarations of its own"));
             m_hasType = true;
             return next;
         }

@@ -74,6 +74,7 @@ void ConsumerConnectorPrivate::retire(std::unique_ptr<QSocketNotifier> &notifier
 void ConsumerConnectorPrivate::open()
 {
     close();
+    ++m_link;
     m_phase = Phase::connecting;
     m_state = m_taken = m_stateTold = 0;
     m_untoldBytes = 0;

@@ -83,6 +83,7 @@ private:
     QTimer m_timer;
     bool m_readPosted = false;
     int m_inNotifier = 0;
+    unsigned m_link = 0; // rises with each attempt
 
     Phase m_phase = Phase::idle;
     int m_retryMs = 0;

@@ -104,9 +104,8 @@ bool ConsumerConnectorPrivate::readMonitor()
             if (event == ZMQ_EVENT_DISCONNECTED && m_phase == Phase::ready) {
                 // What had come before the break is still there to be read. A slot may have made
                 // the link anew meanwhile.
-                const void *const broken = m_socket->handle();
-                const auto isBroken = [&] {
-                    return m_phase == Phase::ready && m_socket && m_socket->handle() == broken;
+                const auto isBroken = [this, link = m_link] {
+                    return m_phase == Phase::ready && m_socket && m_link == link;
                 };
                 for (int pass = 0; pass < kLastPasses && isBroken() && isReadable(*m_socket);
                      ++pass)

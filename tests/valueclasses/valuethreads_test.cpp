@@ -130,14 +130,24 @@ TEST(ValueThreads, AnAssignmentWaitsForWhatIsPosted)
     QCoreApplication::processEvents();
     EXPECT_EQ(plain.GetValue(), 4);
 
-    // A timer and the name of a value in a tree are the application thread's.
+    // A timer is the application thread's, what the value holds and its name are there at once.
     Value<int> timed("e", 5);
     timed.SetUpdateTimerTime(100000);
-    runElsewhere([&] { plain.Assign(timed); });
-    EXPECT_EQ(plain.GetValue(), 5) << "stored at once";
-    EXPECT_EQ(plain.GetUpdateTimerTime(), 0U);
+    std::unique_ptr<Value<int>> copy;
+    Value<int> other("f", 0);
+    runElsewhere([&] {
+        copy = std::make_unique<Value<int>>(timed);
+        copy->SetName("g", nullptr);
+        other = timed;
+        other = two; // behind what the first one has posted
+    });
+    EXPECT_EQ(other.GetValue(), 2);
+    EXPECT_EQ(other.GetName(), QStringLiteral("b"));
+    EXPECT_EQ(copy->GetUpdateTimerTime(), 0U);
     QCoreApplication::processEvents();
-    EXPECT_EQ(plain.GetUpdateTimerTime(), 100000U);
+    EXPECT_EQ(copy->GetUpdateTimerTime(), 100000U);
+    EXPECT_EQ(copy->GetName(), QStringLiteral("g"));
+    EXPECT_EQ(other.GetUpdateTimerTime(), 0U);
 }
 
 TEST(ValueThreads, AFloodWaitsForTheApplicationThreadAndLosesNothing)
