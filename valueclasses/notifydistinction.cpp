@@ -76,7 +76,7 @@ void NotifyDistinction::PostChange(std::function<void()> change)
                m_less.wait_until(m_mutex, limit) == std::cv_status::no_timeout) {
         }
         ++m_waiting;
-        m_owner->setFlag(ValueBase::ChangesPosted, true);
+        updatePosted();
         first = !std::exchange(m_traced, true);
     }
     if (first)
@@ -101,9 +101,38 @@ void NotifyDistinction::runChange(const std::function<void()> &change)
     if (alive.isNull())
         return; // the change told an observer, who deleted the value
     const Kelm::MutexLocker lock(m_mutex);
-    if (--m_waiting == 0)
-        m_owner->setFlag(ValueBase::ChangesPosted, false);
+    --m_waiting;
+    updatePosted();
     m_less.notify_one();
+}
+
+void NotifyDistinction::updatePosted()
+{
+    m_owner->setFlag(ValueBase::ChangesPosted, m_waiting > 0 || m_holds > 0);
+}
+
+NotifyDistinction::Hold::Hold(NotifyDistinction &of) : m_of(&of)
+{
+    const Kelm::MutexLocker lock(of.m_mutex);
+    ++of.m_holds;
+    of.updatePosted();
+}
+
+NotifyDistinction::Hold::~Hold()
+{
+    if (IsMainThread())
+        release(m_of);
+    else if (auto *const application = QCoreApplication::instance())
+        Kelm::post(application, [of = m_of] { release(of); });
+}
+
+void NotifyDistinction::release(NotifyDistinction *of)
+{
+    if (of == nullptr)
+        return;
+    const Kelm::MutexLocker lock(of->m_mutex);
+    --of->m_holds;
+    of->updatePosted();
 }
 
 bool NotifyDistinction::IsMainThread() { return Kelm::isAcceptableThread(); }

@@ -5,9 +5,11 @@
 
 #include <QEvent>
 #include <QObject>
+#include <QPointer>
 
 #include <condition_variable>
 #include <functional>
+#include <memory>
 #include <vector>
 
 namespace values {
@@ -42,6 +44,19 @@ public:
     /// Posts \a change, as ValueBase::PostChange tells. Not on the application thread.
     void PostChange(std::function<void()> change);
 
+    /// While one lives, changes of other threads are posted. Owned by a posted change; any thread
+    /// may drop it, the application thread ends it.
+    class SPECTREE_EXPORT Hold {
+    public:
+        explicit Hold(NotifyDistinction &of);
+        ~Hold();
+        Hold(const Hold &) = delete;
+        Hold &operator=(const Hold &) = delete;
+
+    private:
+        QPointer<NotifyDistinction> m_of; // read on the application thread only
+    };
+
     /// True on the application thread, and while none is known.
     static bool IsMainThread();
     /// True once there is an application object.
@@ -65,11 +80,14 @@ private:
     bool notePosted(TChangeCode code, IObserver *source);
     void noteDelivered(TChangeCode code, IObserver *source);
     void runChange(const std::function<void()> &change);
+    void updatePosted() SPECTREE_REQUIRES(m_mutex);
+    static void release(NotifyDistinction *of);
 
     ValueBase *m_owner;
     Kelm::Mutex m_mutex;
     std::condition_variable_any m_less;             // fewer changes wait than did
     int m_waiting SPECTREE_GUARDED_BY(m_mutex) = 0; // changes
+    int m_holds SPECTREE_GUARDED_BY(m_mutex) = 0;
     int m_countPosted SPECTREE_GUARDED_BY(m_mutex) = 0;
     std::vector<Posted> m_posted SPECTREE_GUARDED_BY(m_mutex); // few, and none of a count of 0
     bool m_traced SPECTREE_GUARDED_BY(m_mutex) = false;

@@ -93,7 +93,8 @@ void ValueBase::takePlaceElsewhere(const ValueBase &other)
 {
     const unsigned period = other.GetUpdateTimerTime();
     IUndoManager *const manager = other.GetUndoManager();
-    const bool waits = hasFlag(ChangesPosted);
+    // Behind the last posted change, the block that it may have made is seen.
+    const bool waits = (m_flags.load(std::memory_order_acquire) & ChangesPosted) != 0;
     const bool isInTree = m_deleteObserver != nullptr;
     const bool rename = isInTree && (waits || m_name != other.m_name);
     if (!isInTree)
@@ -315,14 +316,14 @@ bool ValueBase::PostAssignByReference(const ValueBase &other)
 
 void ValueBase::postAssign(ValueBase &other)
 {
-    // It ends with its hand-over object.
+    // It ends with its hand-over object, and what changes there from now on waits behind.
     const QPointer<NotifyDistinction> alive(&other.handOver());
-    PostChange([this, &other, alive] {
+    auto hold = std::make_shared<NotifyDistinction::Hold>(other.handOver());
+    PostChange([this, &other, alive, hold = std::move(hold)]() mutable {
+        const auto own = std::move(hold); // the poster may be the last to drop the change
         if (!alive.isNull())
             Assign(other);
     });
-    if (&other != this)
-        other.PostChange([] {}); // what changes there from now on waits behind
 }
 
 void ValueBase::failAssign(const ValueBase &other)

@@ -150,6 +150,68 @@ TEST(ValueThreads, AnAssignmentWaitsForWhatIsPosted)
     EXPECT_EQ(other.GetUpdateTimerTime(), 0U);
 }
 
+struct AssignedValue : Value<int> {
+    using Value<int>::Value;
+    using ValueBase::IsChangeForeign;
+    using ValueBase::PostAssignByReference;
+};
+
+template <typename V>
+bool changesArePosted(const V &value)
+{
+    bool foreign = false;
+    runElsewhere([&] { foreign = value.IsChangeForeign(); });
+    return foreign;
+}
+
+TEST(ValueThreads, TheSourceOfAPostedAssignmentWaitsForIt)
+{
+    enum class End { Assigned, SourceDies, TargetDies, SourceDiesInIt };
+    for (const End end : {End::Assigned, End::SourceDies, End::TargetDies, End::SourceDiesInIt}) {
+        SCOPED_TRACE(int(end));
+        CodeLog log;
+        auto source = std::make_unique<AssignedValue>("b", 1); // plain by itself
+        auto target = std::make_unique<AssignedValue>("a", 0);
+        log.then = [&](Observable *, TChangeCode) {
+            if (end == End::SourceDiesInIt)
+                source.reset();
+        };
+        target->AddObserver(&log);
+        target->CommandRecordingOn();
+        const QuietTraces quiet;
+        runElsewhere([&] {
+            EXPECT_TRUE(target->PostAssignByReference(*source));
+            source->SetValue(2, nullptr);
+        });
+        EXPECT_EQ(source->GetValue(), 1);
+        if (end == End::SourceDies)
+            source.reset();
+        else if (end == End::TargetDies)
+            target.reset();
+        if (end == End::TargetDies) {
+            EXPECT_TRUE(changesArePosted(*source)) << "its own change waits";
+        }
+        QCoreApplication::processEvents();
+        if (target != nullptr) {
+            EXPECT_EQ(target->GetValue(), end == End::SourceDies ? 0 : 1);
+        }
+        if (source != nullptr) {
+            EXPECT_EQ(source->GetValue(), 2);
+            EXPECT_FALSE(changesArePosted(*source));
+        }
+    }
+}
+
+TEST(ValueThreads, AHoldThatAnotherThreadDropsEndsOnTheApplicationThread)
+{
+    TestValue value;
+    NotifyDistinction road(&value);
+    runElsewhere([&] { const NotifyDistinction::Hold dropped(road); });
+    EXPECT_TRUE(changesArePosted(value));
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(changesArePosted(value));
+}
+
 TEST(ValueThreads, AFloodWaitsForTheApplicationThreadAndLosesNothing)
 {
     constexpr int kChanges = 10005;
