@@ -150,7 +150,13 @@ void NotifyDistinction::customEvent(QEvent *event)
     Kelm::syncAcquire(this);
     // First, so that a change from now on posts again.
     noteDelivered(notification->GetCode(), notification->GetSource());
-    m_owner->NotifyObserversDistinct(notification->GetCode(), notification->GetSource());
+    // Nothing may pass through the event loop. An observer may have deleted the value.
+    try {
+        m_owner->NotifyObserversDistinct(notification->GetCode(), notification->GetSource());
+    } catch (const std::exception &error) {
+        SPECTREE_TRACE(TraceWarnings, QStringLiteral("A posted notification broke off: %1")
+                                          .arg(QString::fromUtf8(error.what())));
+    }
 }
 
 } // namespace values

@@ -76,7 +76,7 @@ ValueBase &ValueBase::operator=(const ValueBase &other)
     m_type = other.m_type;
     m_state = other.m_state;
     m_properties = other.m_properties;
-    SetAutoDelete(other.IsAutoDelete());
+    setFlag(AutoDelete, other.IsAutoDelete());
     m_descriptor = other.m_descriptor;
     if (isForeignThread()) {
         takePlaceElsewhere(other);
@@ -91,10 +91,11 @@ ValueBase &ValueBase::operator=(const ValueBase &other)
 /// The tree's index, timers and undo belong to the application thread.
 void ValueBase::takePlaceElsewhere(const ValueBase &other)
 {
+    // Asked first, so that the blocks that posted changes have made are seen.
+    const bool sourceWaits = other.changesWait();
+    const bool waits = changesWait() || sourceWaits;
     const unsigned period = other.GetUpdateTimerTime();
     IUndoManager *const manager = other.GetUndoManager();
-    // Behind the last posted change, the block that it may have made is seen.
-    const bool waits = (m_flags.load(std::memory_order_acquire) & ChangesPosted) != 0;
     const bool isInTree = m_deleteObserver != nullptr;
     const bool rename = isInTree && (waits || m_name != other.m_name);
     if (!isInTree)
@@ -218,8 +219,30 @@ void ValueBase::setFlag(Flag flag, bool on)
         m_flags.fetch_and(static_cast<unsigned char>(~flag), std::memory_order_release);
 }
 
+bool ValueBase::postBehind(std::function<void()> repeat)
+{
+    if (!changesWait() || !isForeignThread())
+        return false;
+    PostChange(std::move(repeat));
+    return true;
+}
+
+void ValueBase::SetAutoDelete(bool on)
+{
+    if (!postBehind([=, this] { SetAutoDelete(on); }))
+        setFlag(AutoDelete, on);
+}
+
+void ValueBase::SetValueDescriptor(const ValueDescriptor *descriptor)
+{
+    if (!postBehind([=, this] { SetValueDescriptor(descriptor); }))
+        m_descriptor = descriptor;
+}
+
 void ValueBase::setProperty(Property property, bool on)
 {
+    if (postBehind([=, this] { setProperty(property, on); }))
+        return;
     m_properties = on ? m_properties | property : m_properties & ~unsigned(property);
 }
 
@@ -228,8 +251,8 @@ void ValueBase::SetName(const QString &name, IObserver *source)
     if (name.isEmpty())
         throw KRException("Empty names are not allowed!", __FILE__, "ValueBase", "SetName",
                           __LINE__);
-    // The tree's index belongs to the application thread.
-    if (m_deleteObserver != nullptr && isForeignThread())
+    // The tree's index belongs to the application thread, and so does what posted changes use.
+    if ((m_deleteObserver != nullptr || changesWait()) && isForeignThread())
         return PostChange([this, name, source] { SetName(name, source); });
     storeName(name);
     NotifyObservers(CC_NAME, source);
@@ -265,14 +288,17 @@ const std::string &ValueBase::GetTranslationNamespace() const
 
 void ValueBase::SetTranslationNamespace(const char *name, IObserver *source)
 {
-    const std::string newName = name != nullptr ? name : "";
-    if (IsChangeForeign())
-        return PostChange([=, this] { SetTranslationNamespace(newName.c_str(), source); });
-    if (GetTranslationNamespace() == newName)
+    storeTranslationNamespace(name != nullptr ? name : "", source);
+}
+
+void ValueBase::storeTranslationNamespace(const std::string &name, IObserver *source)
+{
+    if (PostIfForeign([=, this] { storeTranslationNamespace(name, source); }) ||
+        GetTranslationNamespace() == name)
         return;
-    rare().translationNamespace = newName;
+    rare().translationNamespace = name;
     if (Record())
-        RecordCommand(new CommandSetTranslationNamespace(this, newName, nullptr));
+        RecordCommand(new CommandSetTranslationNamespace(this, name, nullptr));
     NotifyObservers(CC_TRANSLATION_NAMESPACE, source);
 }
 

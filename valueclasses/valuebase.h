@@ -67,6 +67,8 @@ public:
     /// Copies name, state, type, properties, auto-delete, descriptor, timer period, undo manager;
     /// nothing else.
     ValueBase(const ValueBase &other);
+    /// On another thread only while neither value records, has undo or has changes that wait there;
+    /// else it takes Assign.
     ValueBase &operator=(const ValueBase &other);
     ~ValueBase() override;
 
@@ -85,7 +87,7 @@ public:
     void SetDeleteObserver(ITreeItem *item) override { m_deleteObserver = item; }
     ITreeItem *GetDeleteObserver() const override { return m_deleteObserver; }
     const ValueDescriptor *GetValueDescriptor() const { return m_descriptor; }
-    void SetValueDescriptor(const ValueDescriptor *descriptor) { m_descriptor = descriptor; }
+    void SetValueDescriptor(const ValueDescriptor *descriptor);
     /// "VdStr" at first.
     const std::string &GetTranslationNamespace() const;
     void SetTranslationNamespace(const char *name, IObserver *source);
@@ -118,7 +120,7 @@ public:
     void DeleteObserver(IObserver *observer) override;
     void DeleteObservers() override;
     bool IsAutoDelete() const { return hasFlag(AutoDelete); }
-    void SetAutoDelete(bool on) { setFlag(AutoDelete, on); }
+    void SetAutoDelete(bool on);
     /// Called once, at the end of the destruction, after the observers.
     void BindNotifyDeleteFn(std::function<void(ValueBase *)> function);
 
@@ -306,10 +308,18 @@ private:
     {
         return (m_flags.load(std::memory_order_relaxed) & flags) != 0;
     }
+    /// Behind the last of the changes that waited, its stores are seen.
+    bool changesWait() const
+    {
+        return (m_flags.load(std::memory_order_acquire) & ChangesPosted) != 0;
+    }
+    /// Posts \a repeat when it would overtake changes that wait on the application thread.
+    bool postBehind(std::function<void()> repeat);
     void setFlag(Flag flag, bool on);
     static unsigned char initialFlags();
     void setProperty(Property property, bool on);
     void storeName(const QString &name);
+    void storeTranslationNamespace(const std::string &name, IObserver *source);
     void takePlaceElsewhere(const ValueBase &other);
     bool isForeignThread() const;
     void forgetUndo();

@@ -74,14 +74,13 @@ void ValueBase::NotificationEnded()
 
 void ValueBase::failWrongThread(TChangeCode code) const
 {
-    // A dying value can't be asked for its type name any more.
     const bool dying = code == CC_STATE && m_state == VS_DELETED;
     const QString text =
         dying ? QStringLiteral(
                     "Could not notify observers in the main thread\nwhile deleting value \"%1\" of "
                     "type \"%2\".\nMaybe QApplication::qApp is already deleted.\nObservers will be "
                     "notified in the current thread.\n")
-                    .arg(m_name, QString::number(m_type))
+                    .arg(m_name, GetTypeName())
               : QStringLiteral(
                     "Could not notify observers in the main thread\nThe value \"%1\" of type "
                     "\"%2\" is not able to notify its observers.\nMaybe there is no instance of "

@@ -4,6 +4,7 @@
 #include "quiettraces.h"
 #include "valueclasses/notifydistinction.h"
 #include "valueclasses/testvalue.h"
+#include "valueclasses/valuedescriptor.h"
 #include "valueclasses/valuenumeric.h"
 #include "waitfor.h"
 
@@ -200,6 +201,47 @@ TEST(ValueThreads, TheSourceOfAPostedAssignmentWaitsForIt)
             EXPECT_FALSE(changesArePosted(*source));
         }
     }
+}
+
+TEST(ValueThreads, NothingOvertakesAnAssignmentThatWaits)
+{
+    const ValueDescriptor *const none = nullptr;
+    const ValueDescriptor described("k", "/p");
+    CodeLog log;
+    Value<QString> source("b", "1"), target("a", "0");
+    source.SetValueDescriptor(&described);
+    target.CommandRecordingOn();
+    const QuietTraces quiet;
+    runElsewhere([&] {
+        for (int i = 0; i < 1000; ++i) {
+            target.Assign(source);
+            target.SetName(QString::number(i), nullptr);
+        }
+        target.SetFlagStore(true);
+        target.SetAutoDelete(true);
+        target.SetValueDescriptor(none);
+    });
+    target.AddObserver(&log); // an auto-delete value needs one
+    QCoreApplication::processEvents();
+    EXPECT_EQ(target.GetName(), "999");
+    EXPECT_TRUE(target.HasPropertyStore() && target.IsAutoDelete());
+    EXPECT_EQ(target.GetValueDescriptor(), nullptr);
+    target.SetAutoDelete(false);
+}
+
+TEST(ValueThreads, WhatAnObserverThrowsStaysWithinTheEventLoop)
+{
+    CodeLog log;
+    TestValue value;
+    log.then = [](Observable *, TChangeCode code) {
+        if (code != CC_STATE)
+            throw KRException("no", "", "", "", 0);
+    };
+    value.AddObserver(&log);
+    runElsewhere([&] { value.HasChanged(CC_VALUE, nullptr); });
+    const QuietTraces quiet;
+    EXPECT_NO_THROW(QCoreApplication::processEvents());
+    EXPECT_THAT(log.codes, ElementsAre(CC_VALUE));
 }
 
 TEST(ValueThreads, AHoldThatAnotherThreadDropsEndsOnTheApplicationThread)

@@ -266,7 +266,7 @@ void ValueBase::CommandSetTranslationNamespace::Execute() { ExecuteOn(GetValue()
 
 void ValueBase::CommandSetTranslationNamespace::ExecuteOn(ValueBase *value)
 {
-    value->SetTranslationNamespace(m_name.c_str(), GetSource());
+    value->storeTranslationNamespace(m_name, GetSource()); // it may hold a zero byte
 }
 
 void ValueBase::CommandSetTranslationNamespace::AddCommandString(std::string &out, int mode) const
