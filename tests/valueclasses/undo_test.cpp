@@ -359,6 +359,45 @@ TEST_F(UndoTest, ClientsOpenFinishShowAndRunStacksOfAServer)
     EXPECT_EQ(value.GetValue(), 8);
 }
 
+TEST_F(UndoTest, TheTextsOfAServerAreNoPartOfItsHistory)
+{
+    Value<QString> recordings, request;
+    for (Value<QString> *text : {&recordings, &request})
+        text->SetUndoManager(&undo);
+    const UndoRecordingsToValueServer server(&undo, &recordings, &request);
+    stack("a", [&] {
+        value.SetValue(1, nullptr);
+        recordings.SetUndoManager(&undo); // and once more
+    });
+    EXPECT_EQ(recordings.GetValue(), "1 a");
+    request.SetValue("1 1", nullptr);
+    EXPECT_EQ(value.GetValue(), 0);
+    EXPECT_EQ(recordings.GetValue(), "0");
+}
+
+TEST_F(UndoTest, ABrokenRunTakesTheStackThatAListenerOpened)
+{
+    auto dying = std::make_unique<Value<int>>("d", 0);
+    dying->SetUndoManager(&undo);
+    set(1);
+    struct Opener : Listener {
+        void OnUndoExecutionStart() override { open(); }
+        std::function<void()> open;
+    } opener;
+    opener.open = [&] {
+        undo.OpenNewUndoStack("late");
+        dying->SetValue(1, nullptr);
+    };
+    undo.AddExecutionListener(&opener);
+    log.then = [&](Observable *, TChangeCode) { dying.reset(); };
+    value.AddObserver(&log);
+    EXPECT_TRUE(undo.ExecuteUndoStacks(1));
+    undo.FinishCurrentUndoStack();
+    EXPECT_THAT(undo.GetUndoStackDescriptions(), IsEmpty());
+    undo.DeleteExecutionListener(&opener);
+    value.DeleteObservers();
+}
+
 TEST_F(UndoTest, AnEndLeavesATextThatIsMarkedAsDeleted)
 {
     Value<QString> text;

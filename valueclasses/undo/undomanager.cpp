@@ -226,8 +226,10 @@ bool UndoManager::isGone(const ValueBase *value) const
 
 void UndoManager::executionEnded()
 {
-    if (std::exchange(m_abandoned, false))
+    if (std::exchange(m_abandoned, false)) {
         m_stacks.clear();
+        m_currentStack.reset(); // a listener may have opened it as the run began
+    }
     m_gone.clear();
     m_executing = false;
     m_executionListeners.Notify(&IUndoExecutionListener::OnUndoExecutionEnd);

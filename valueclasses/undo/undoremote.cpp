@@ -10,6 +10,7 @@ namespace values {
 
 UndoRemoteValue::UndoRemoteValue(Value<QString> *value) : m_value(value), m_subject(value)
 {
+    m_value->SetUndoManager(nullptr);
     m_value->AddObserver(this);
 }
 
@@ -38,6 +39,8 @@ QString UndoRemoteValue::GetText() const
 
 void UndoRemoteValue::SetText(const QString &text)
 {
+    if (m_value != nullptr)
+        m_value->SetUndoManager(nullptr); // recorded, what is told of a history would change it
     if (m_value != nullptr)
         m_value->SetValue(text, this);
 }

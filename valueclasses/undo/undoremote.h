@@ -15,7 +15,8 @@ namespace values {
 
 class UndoManager;
 
-/// One end of such a text, watched for as long as this object lives.
+/// One end of such a text, watched for as long as this object lives. What goes through it can't be
+/// undone: its undo manager is taken away, and must not come back.
 class SPECTREE_EXPORT UndoRemoteValue : public IObserver {
 public:
     explicit UndoRemoteValue(Value<QString> *value);
