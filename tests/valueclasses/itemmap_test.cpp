@@ -104,6 +104,34 @@ TYPED_TEST(MultiSelection, KeepsItsRules)
     EXPECT_THROW(value->Assign(TestValue()), KRException);
 }
 
+TYPED_TEST(MultiSelection, ASelectedItemReplacesTheOtherInOneStep)
+{
+    CodeLog log;
+    TypeParam copy("m");
+    const auto value = this->make();
+    copy.Assign(*value);
+    value->SetAllowEmptySelection(false, nullptr);
+    std::string commands;
+    log.then = [&](Observable *, TChangeCode) {
+        if (value->GetSelectedIndices().empty())
+            value->SelectAt(0, true, nullptr);
+        commands += value->GetCommandStringForRecording(unsigned(-2));
+    };
+    value->AddObserver(&log);
+    value->CommandRecordingOn();
+    value->SetAt(2, this->item("n", true), nullptr);
+    EXPECT_EQ(value->GetSelectedIndices().size(), this->isExclusive ? 1U : 2U);
+    EXPECT_TRUE(value->IsSelectedAt(2));
+    CodeLog seen;
+    bool empty = false;
+    seen.then = [&](Observable *, TChangeCode) { empty |= copy.GetSelectedIndices().empty(); };
+    copy.AddObserver(&seen);
+    copy.SetCommandString(commands, nullptr, -2);
+    EXPECT_EQ(copy.GetSelectedIndices(), value->GetSelectedIndices());
+    EXPECT_FALSE(empty) << "at a far end either";
+    copy.DeleteObservers();
+}
+
 TYPED_TEST(MultiSelection, TellsTheFlagFromTheTextOfId33)
 {
     const QString texts[] = {"", "1", "true ", QString(0x3B00, 'x'), QString(0x3B01, ';')};

@@ -108,6 +108,17 @@ TEST(ValueSelectionModel, ShowsWhatItsItemsHold)
     EXPECT_EQ(model.rowCount(), 0);
 }
 
+TEST(ValueSelectionModel, MayBeDeletedByWhoHearsOfTheChoice)
+{
+    ValueSelection selection("s");
+    selection.AddItems({"a", "b"}, nullptr);
+    auto *const model = new ValueSelectionModel(&selection);
+    QObject::connect(model, &ValueSelectionModel::signalCurrentRowChanged,
+                     [model] { delete model; });
+    selection.SelectIndex(1, nullptr);
+    EXPECT_FALSE(selection.HasObservers());
+}
+
 TEST(ValueSelectionModel, OutlivesItsSelection)
 {
     auto selection = std::make_unique<ValueSelection>("s");

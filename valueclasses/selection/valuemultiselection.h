@@ -22,6 +22,13 @@ public:
     ValueMultiSelection() = default;
     explicit ValueMultiSelection(QString name, TValueState state = VS_NORMAL);
 
+    ValueMultiSelection(const ValueMultiSelection &) = default;
+    ValueMultiSelection &operator=(const ValueMultiSelection &other)
+    {
+        ValueMultiSelection::Assign(other);
+        return *this;
+    }
+
     ValueType GetType() const override;
     QString GetTypeName() const override;
     /// \throws KRException for a value of another class.

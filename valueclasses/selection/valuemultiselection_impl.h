@@ -77,9 +77,11 @@ unsigned int ValueMultiSelection<Item, Format, Adapter, Exclusive>::SetAt(unsign
     if (current == key || current == this->GetInvalidKey())
         return Base::SetAt(key, item, source);
     const Item selected = item; // it may be the one that is deselected now
-    const LifeWatch watch(this);
-    RestoreSelectedAt(current, false, source);
-    return watch.IsGone() ? key : Base::SetAt(key, selected, source);
+    // No observer may see, or answer, that nothing is selected.
+    const ValueTransaction transaction(*this, CC_SELECTION, source);
+    if (transaction.IsValid())
+        RestoreSelectedAt(current, false, source);
+    return transaction.IsValid() ? Base::SetAt(key, selected, source) : key;
 }
 
 template <typename Item, typename Format, typename Adapter, bool Exclusive>

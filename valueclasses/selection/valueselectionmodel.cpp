@@ -2,6 +2,8 @@
 
 #include "valueclasses/valueselection.h"
 
+#include <QPointer>
+
 #include <algorithm>
 
 namespace values {
@@ -44,9 +46,11 @@ void ValueSelectionModel::Update(Observable * /*subject*/, TChangeCode /*code*/)
     if (m_showing)
         return; // a view's answer to a signal: the rows of the running change come first
     m_showing = true;
-    while (std::exchange(m_stale, false))
+    const QPointer<ValueSelectionModel> alive(this); // a dialog may close at the choice
+    while (!alive.isNull() && std::exchange(m_stale, false))
         showSelection();
-    m_showing = false;
+    if (!alive.isNull())
+        m_showing = false;
 }
 
 void ValueSelectionModel::showSelection()
@@ -57,7 +61,10 @@ void ValueSelectionModel::showSelection()
     items.reserve(std::size_t(count));
     for (int i = 0; i < count; ++i)
         items.push_back(*m_selection->GetItemAt(i));
+    const QPointer<ValueSelectionModel> alive(this);
     showItems(std::move(items));
+    if (alive.isNull())
+        return;
     if (std::exchange(m_currentRow, currentRow) != currentRow)
         Q_EMIT signalCurrentRowChanged(currentRow);
 }
