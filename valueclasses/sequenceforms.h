@@ -4,7 +4,9 @@
 #include "valueclasses/commands/streamformat.h"
 
 #include <cstdint>
+#include <tuple>
 #include <type_traits>
+#include <utility>
 
 /// What the forms of lists and vectors share.
 namespace values::Sequence {
@@ -16,14 +18,28 @@ inline constexpr std::size_t kMaxCount = 0xFFFF;
 SPECTREE_EXPORT std::size_t readCount(const char **pos, int mode);
 SPECTREE_EXPORT void appendCount(std::string &out, std::size_t count, int mode);
 
-/// Two numbers that are NaN are the same element, so that it is found again.
+template <typename T>
+bool isSame(const T &left, const T &right);
+
+template <typename Fields, std::size_t... i>
+bool areSameFields(const Fields &left, const Fields &right, std::index_sequence<i...> /*all*/)
+{
+    return (isSame(std::get<i>(left), std::get<i>(right)) && ...);
+}
+
+/// Two numbers that are NaN are the same element, so that it is found again; also in a record.
 template <typename T>
 bool isSame(const T &left, const T &right)
 {
-    if constexpr (std::is_floating_point_v<T>)
-        if (left != left && right != right)
-            return true;
-    return left == right;
+    if constexpr (std::is_floating_point_v<T>) {
+        return left == right || (left != left && right != right);
+    } else if constexpr (requires { T::Fields(left); }) {
+        using Fields = decltype(T::Fields(left));
+        return areSameFields(T::Fields(left), T::Fields(right),
+                             std::make_index_sequence<std::tuple_size_v<Fields>>());
+    } else {
+        return left == right;
+    }
 }
 
 /// Calls \a use with each line of \a text, up to the first empty one.

@@ -76,11 +76,11 @@ ValueDescriptor::ValueDescriptor(QString name, QString path, const ValueBase *ty
 }
 
 ValueDescriptor::ValueDescriptor(QString name, QString path, const ValueBase *type, QString initial,
-                                 const SelItemDesc *items, int itemCount, QString unit, int basis,
-                                 QString tooltip)
+                                 Selection selection, QString unit, int basis, QString tooltip)
     : m_name(std::move(name)), m_path(std::move(path)), m_pathName(m_path + '/' + m_name),
-      m_type(type), m_initial(std::move(initial)), m_selItems(items), m_countSelItems(itemCount),
-      m_unit(std::move(unit)), m_basis(basis), m_tooltip(std::move(tooltip))
+      m_type(type), m_initial(std::move(initial)), m_selItems(selection.items),
+      m_countSelItems(selection.count), m_unit(std::move(unit)), m_basis(basis),
+      m_tooltip(std::move(tooltip))
 {
     Publish();
 }

@@ -3,7 +3,9 @@
 #include "valueclasses/ivaluedescriptormap.h"
 #include "valueclasses/selection/selectionitem.h"
 
+#include <concepts>
 #include <map>
+#include <utility>
 
 class IObserver;
 
@@ -32,10 +34,15 @@ public:
     ValueDescriptor(QString name, QString path, const ValueBase *type, QString initial,
                     double minimum, double maximum, double step = 1.0, QString unit = {},
                     int basis = 0, QString tooltip = {});
-    /// A selection, with its items.
+    /// A selection, with its items. Deduced, so that a literal 0 is the minimum of a number.
+    template <std::same_as<SelItemDesc> Item>
     ValueDescriptor(QString name, QString path, const ValueBase *type, QString initial,
-                    const SelItemDesc *items, int itemCount, QString unit = {}, int basis = 0,
-                    QString tooltip = {});
+                    const Item *items, int itemCount, QString unit = {}, int basis = 0,
+                    QString tooltip = {})
+        : ValueDescriptor(std::move(name), std::move(path), type, std::move(initial),
+                          Selection{items, itemCount}, std::move(unit), basis, std::move(tooltip))
+    {
+    }
     ValueDescriptor(const ValueDescriptor &) = delete;
     ValueDescriptor &operator=(const ValueDescriptor &) = delete;
     ~ValueDescriptor();
@@ -82,6 +89,12 @@ public:
     void Publish() const;
 
 private:
+    struct Selection {
+        const SelItemDesc *items;
+        int count;
+    };
+    ValueDescriptor(QString name, QString path, const ValueBase *type, QString initial,
+                    Selection selection, QString unit, int basis, QString tooltip);
     void applyLimits(ValueBase &value) const;
 
     QString m_name, m_path, m_pathName;

@@ -7,8 +7,10 @@ namespace values {
 template <typename T, typename F, typename S>
 void ValueNumericWithOffset<T, F, S>::SetValue(T value, IObserver *source)
 {
-    if (!this->PostIfForeign([=, this] { ValueNumericWithOffset::SetValue(value, source); }))
-        this->storeValue(value + m_offset, source);
+    if (this->PostIfForeign([=, this] { ValueNumericWithOffset::SetValue(value, source); }) ||
+        value == this->GetValue()) // the sum may differ from what is stored, by rounding
+        return;
+    this->storeValue(value + m_offset, source);
 }
 
 template <typename T, typename F, typename S>

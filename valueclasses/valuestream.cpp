@@ -135,6 +135,9 @@ bool ValueStream<T>::CompareArrays(const T *a, unsigned int countA, const T *b, 
 template <typename T>
 void ValueStream<T>::SetStringValue(QString text, IObserver *source)
 {
+    if (std::any_of(text.begin(), text.end(), [](QChar c) { return c.unicode() > 0xFF; }))
+        throw KRException(QStringLiteral("The text holds characters that are no bytes."), __FILE__,
+                          "valuestream", "SetStringValue", __LINE__);
     const QByteArray image = text.toLatin1();
     if (std::size_t(image.size()) % sizeof(T) != 0)
         throw KRException(QStringLiteral("The %1 bytes do not hold whole elements of %2 bytes.")

@@ -16,7 +16,8 @@ class ValueBase;
 /// A tree takes absolute paths ("/A/B"), a node relative ones ("A/B"). Application thread.
 /// Ownership: what AddNode and AddValue take belongs to the tree when they return true, and stays
 ///            the caller's when they return false or throw for a path. What an observer throws
-///            comes behind the taking.
+///            comes behind the taking; only one of the value itself, told of a new name that a path
+///            gives it, leaves it with the caller.
 class SPECTREE_EXPORT IManageValue {
 public:
     virtual ~IManageValue() = default;

@@ -442,13 +442,14 @@ void Node::tellChildOfEnd(TreeItem &child, IObserver *source)
 
 void Node::DeleteChildren()
 {
+    const bool isInner = ItemWatch::areChildrenEnding(*this); // an observer led here
     const ItemWatch watch(this, ItemWatch::Ends::Children);
     const std::uint32_t end = m_nextPosition; // observers may add others meanwhile
     try {
         if (!m_childrenNotified)
             NotifyChildrenAboutDeletion(nullptr);
     } catch (...) {
-        if (!watch.isGone() && !m_ending && !m_toldAhead)
+        if (!isInner && !watch.isGone() && !m_ending && !m_toldAhead)
             reviveChildren(); // none goes, so each will be told again
         throw;
     }

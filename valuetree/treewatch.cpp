@@ -34,6 +34,14 @@ bool ItemWatch::isEnding(const TreeItem &item)
     return false;
 }
 
+bool ItemWatch::areChildrenEnding(const TreeItem &node)
+{
+    for (const ItemWatch *watch = innermostWatch; watch != nullptr; watch = watch->m_outer)
+        if (watch->m_ends == Ends::Children && watch->m_item == &node)
+            return true;
+    return false;
+}
+
 bool ItemWatch::isBelowEnd(const TreeItem &item)
 {
     for (const TreeItem *above = &item; above != nullptr; above = above->m_parent)

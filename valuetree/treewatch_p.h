@@ -19,6 +19,8 @@ public:
     static void tellDestroyed(const TreeItem *item);
     /// Whether the end of the item, or of its node's children, has been told and goes on.
     static bool isEnding(const TreeItem &item);
+    /// Whether the children of \a node are being deleted.
+    static bool areChildrenEnding(const TreeItem &node);
     /// Whether it, or a node above it, is ending or being told so: nothing new may come there.
     static bool isBelowEnd(const TreeItem &item);
 

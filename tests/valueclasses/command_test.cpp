@@ -109,7 +109,8 @@ TEST(StreamFormat, PrintsDoublesAsTheFormatClassDoes)
 {
     for (const double number :
          {0.0, -0.0, -1e-9, 1.0 / 3.0, 2.5e-7, 5e-7, 123456789.0123456789, 1e22, -1e15, 0.1 + 0.2,
-          1e100, 2147483647.9999995, 1.7976931348623157e308})
+          1e100, 2147483647.9999995, 1.7976931348623157e308, 0.0078125, -2.0078125, 12345.0078125,
+          0.0234375, 0x1p46 - 0x1p-7})
         EXPECT_EQ(StreamFormat<double>::ToStream(number, -1),
                   FormatFloat<double>::GetString(number).toStdString());
 }
@@ -285,6 +286,8 @@ TEST(CommandString, ObjectStateRebuildsTheValue)
         EXPECT_EQ(to.GetUpdateTimerTime(), 60000U);
         EXPECT_EQ(to.GetTranslationNamespace(), "Ns");
         EXPECT_EQ(to.GetValueDescriptor(), descriptors.Get());
+        to.SetCommandString("7;\x03\0\0\0a\0b;"s, nullptr, 0);
+        EXPECT_EQ(to.GetTranslationNamespace(), "a\0b"s);
         to.SetCommandString("2;unknown;", nullptr, -1);
         EXPECT_EQ(to.GetValueDescriptor(), nullptr) << "a key that isn't known clears";
     }

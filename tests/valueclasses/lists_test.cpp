@@ -294,6 +294,22 @@ TEST(Lists, FindAnElementThatIsNoNumber)
     undo.undoAll();
     EXPECT_TRUE(list.Empty());
     list.SetUndoManager(nullptr);
+
+    // Also as a field of a record; the recorded erase finds it at a far end.
+    CodeLog log;
+    ValueList<QuadFloat> records, others;
+    records.SetList({{1, NAN, 0, 0}, {1, 2, 0, 0}}, nullptr);
+    others.Assign(records);
+    EXPECT_EQ(others, records);
+    records.CommandRecordingOn();
+    log.then = [&](Observable *, TChangeCode) {
+        others.SetCommandString(records.GetCommandStringForRecording(unsigned(-2)), nullptr, -2);
+    };
+    records.AddObserver(&log);
+    records.EraseAt(0, nullptr);
+    EXPECT_EQ(others.GetList().size(), 1U);
+    EXPECT_EQ(others, records);
+    records.DeleteObservers();
 }
 
 TEST(Lists, OptimizeToWhatFollowsTheLastClear)

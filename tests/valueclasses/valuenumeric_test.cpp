@@ -73,6 +73,22 @@ TYPED_TEST(ValueNumericTest, AChangingValueMakesNoTraffic)
     value.DeleteObservers();
 }
 
+TEST(ValueNumeric, ItsOwnValueIsNoChangeBehindAnOffset)
+{
+    ValueNumericWithOffset<double> value;
+    value.SetMinMax(-0.7, 5, 0.1, nullptr);
+    value.SetOffset(0.2, nullptr);
+    value.SetMin(-0.7, nullptr);
+    value.SetValue(-0.7, nullptr);
+    ASSERT_NE(value.GetValue() + 0.2, -0.5) << "a case in which the sum is rounded";
+    CodeLog log;
+    value.AddObserver(&log);
+    value.SetValue(value.GetValue(), nullptr);
+    value.StepDown(1, nullptr);
+    EXPECT_THAT(log.codes, IsEmpty());
+    value.DeleteObservers();
+}
+
 TEST(ValueNumeric, ExtremesNeitherOverflowNorCut)
 {
     constexpr auto kLowest = std::numeric_limits<std::int64_t>::min();

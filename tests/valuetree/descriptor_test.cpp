@@ -36,21 +36,24 @@ TEST_F(Descriptors, CreateMakesEachKindWithWhatWasDeclared)
     const ValueSelection selectionType;
     const SelItemDesc items[] = {{L"off", 0, 1}, {L"on", 1, 2}};
     const ValueDescriptor plain("plain", "/D", &intType, "5"),
+        fromZero("fromZero", "/D", &intType, "50", 0, 10), // a minimum, not a null list of items
         number("number", "/D", &longType, "7", -10, 10, 2),
         real("real", "/D", &floatType, "1.5", 1, 3),
         shifted("shifted", "/D", &offsetType, "4", -5, 5, 0),
         choice("choice", "/D", &selectionType, "on", items, 2), stream("stream", "/D", &streamType);
-    const ValueDescriptor *const all[] = {&plain, &number, &real, &shifted, &choice, &stream};
+    const ValueDescriptor *const all[] = {&plain,   &fromZero, &number, &real,
+                                          &shifted, &choice,   &stream};
     TreeLog log;
     ValueDescriptor::SetBasePath("/Base");
     ValueDescriptor::AddValues(all, 0, nullptr);
     EXPECT_EQ(Tree::Instance().GetNode("/Base"), nullptr);
-    ValueDescriptor::AddValues(all, 6, nullptr);
+    ValueDescriptor::AddValues(all, 7, nullptr);
 
     std::string text;
     Tree::Instance().GetNode("/Base/D")->AddTreeString(text, 0, 0);
     EXPECT_EQ(text, "/D\n"
                     "\t/plain = 5 (NumericInt: Min=0, Max=2147483647, Step=1, Unit=, Basis=0)\n"
+                    "\t/fromZero = 10 (NumericInt: Min=0, Max=10, Step=1, Unit=, Basis=0)\n"
                     "\t/number = 7 ( *** unknown type *** )\n"
                     "\t/real = 1.500000 (NumericFloat: Min=1, Max=3, Step=1, Unit=, Basis=0)\n"
                     "\t/shifted = 4.000000 (NumericFloatWithOffset: Offset=0 Min=-5, Max=5, "

@@ -236,6 +236,20 @@ TEST(TreeLife, NothingComesBelowChildrenWhoseEndIsTold)
     EXPECT_EQ(names(life.tree), "/\n\t/n\n");
 }
 
+TEST(TreeLife, NoChildIsToldTwiceWhenAnObserverBreaksOffInIt)
+{
+    Life life;
+    Node &node = *life.tree.GetNode("/n");
+    life.log.then["m 18"] = [&] { EXPECT_THROW(node.DeleteChildren(), KRException); };
+    life.log.then["w 17"] = [&] {
+        life.log.then.clear();
+        throw KRException("no", "", "", "", 0);
+    };
+    node.DeleteChildren();
+    for (const char *told : {"v 17", "v 18", "m 18", "w 17", "w 18"})
+        EXPECT_EQ(std::count(life.log.lines.begin(), life.log.lines.end(), told), 1) << told;
+}
+
 TEST(TreeLife, WhatAnObserverMovesLivesOn)
 {
     for (const std::string when : {"v 17", "v 1", "m 17", "m 18"}) {

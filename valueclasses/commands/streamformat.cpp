@@ -76,6 +76,13 @@ void appendText(std::string &out, double number)
         out += "nan"; // nor for what is no number
         return;
     }
+    // QString rounds halves away from zero, to_chars to even. Halves at the sixth decimal are the
+    // odd multiples of 1/128.
+    const double scaled = std::fabs(number) * 128;
+    if (scaled < 0x1p53 && std::fmod(scaled, 2.0) == 1.0) {
+        out += QString::number(number, 'f', 6).toStdString();
+        return;
+    }
     const auto end =
         std::to_chars(digits, digits + sizeof digits, number, std::chars_format::fixed, 6).ptr;
     out.append(digits, end);
