@@ -1,9 +1,11 @@
-// Command strings of the scalar values. The first byte chooses the kind (modulo 20) and, by its
+// Command strings of the scalar values. The first byte chooses the kind (modulo 22) and, by its
 // upper bits, the mode; the rest is the string. A refused string changes nothing; what was taken is
 // recorded, and the record makes an equal value of a copy; undo gives the first state back.
 #include "fuzz/fuzztools.h"
 #include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
+#include "valueclasses/kfactor.h"
+#include "valueclasses/records/bearingresult.h"
 #include "valueclasses/undo/undomanager.h"
 #include "valueclasses/valuebuffer.h"
 #include "valueclasses/valueempty.h"
@@ -75,6 +77,8 @@ constexpr Run kRuns[] = {
                 run<ValueNumericWithOffset<double>>,
     run<ValueBuffer>,
     run<ValueEmpty>,
+    run<Value<BearingResult>>,
+    run<KFactorPure>,
 };
 
 } // namespace
