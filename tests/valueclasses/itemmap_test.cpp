@@ -130,6 +130,7 @@ TYPED_TEST(MultiSelection, ASelectedItemReplacesTheOtherInOneStep)
     EXPECT_EQ(copy.GetSelectedIndices(), value->GetSelectedIndices());
     EXPECT_FALSE(empty) << "at a far end either";
     copy.DeleteObservers();
+    value->DeleteObservers();
 }
 
 TYPED_TEST(MultiSelection, TellsTheFlagFromTheTextOfId33)
