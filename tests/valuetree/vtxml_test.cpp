@@ -2,6 +2,7 @@
 #include "platform/base/userquestion.h"
 #include "quiettraces.h"
 #include "valueclasses/ivaluedescriptormap.h"
+#include "valueclasses/kfactorvalue.h"
 #include "valueclasses/value_impl.h"
 #include "valueclasses/valuefactory.h"
 #include "valueclasses/valuelist.h"
@@ -281,6 +282,12 @@ TEST(VtXml, ReadsIntoWhatIsThere)
     VtXml::FromXml(&second, kGolden);
     EXPECT_EQ(item->GetStringValue(), "5.000000");
     EXPECT_EQ(second.GetValue("RECEIVER/MODE")->GetStringValue(), "3");
+
+    auto *const curve = new ValueKFactor("CURVE");
+    curve->SetTransducerName("HL", nullptr);
+    second.AddValue("", curve);
+    VtXml::FromXml(&second, VtXml::ToXml(&second).remove("<Transducer>HL</Transducer>"));
+    EXPECT_EQ(curve->GetTransducerName(), "HL"); // which the document doesn't name
 }
 
 class Versions final : public VtFileVersion {

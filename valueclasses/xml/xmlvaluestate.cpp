@@ -30,7 +30,7 @@ void readOffset(ValueBase &value, const XmlText &offset)
 
 void readTransducer(ValueBase &value, const XmlText &name)
 {
-    if (auto *const curve = dynamic_cast<ValueKFactor *>(&value))
+    if (auto *const curve = dynamic_cast<ValueKFactor *>(&value); curve != nullptr && name.present)
         curve->SetTransducerName(XmlTextForms::TextOf(name), nullptr);
 }
 
