@@ -145,12 +145,17 @@ void TreeReader::checkValue(ValueBase *existing, std::size_t at, const QString &
 {
     const ElementFields fields(m_document, at);
     if (existing != nullptr) {
-        XmlValueFactory::Instance().HandlerFor(*existing).Check(*existing, fields);
+        if (XmlValueBase::OtherKind(*existing, fields) != VTYPE_Unknown)
+            return XmlValueFactory::Instance().HandlerFor(*existing).Check(*existing, fields);
+        VtXmlParts::leaveOut(fields.Find(u"Type").text, name);
+        m_elements[at].role = Role::LeftOut;
         return;
     }
     std::unique_ptr<ValueBase> made = VtXmlParts::makeValue(fields.Find(u"Type").text, name);
-    if (made == nullptr)
+    if (made == nullptr) {
+        m_elements[at].role = Role::LeftOut;
         return;
+    }
     const XmlValueBase &handler = XmlValueFactory::Instance().HandlerFor(*made);
     handler.Check(*made, fields);
     handler.Read(*made, fields);
@@ -233,7 +238,7 @@ void TreeReader::applyValue(Node &parent, std::size_t at, const QString &name)
     if (there == nullptr) {
         const int index = m_elements[at].madeValue;
         if (index < 0)
-            return; // of an unknown kind, or deleted meanwhile
+            return; // deleted meanwhile
         std::unique_ptr<ValueBase> &made = m_made[std::size_t(index)];
         ValueBase *const value = made.release(); // an observer that throws does so when it stands
         if (parent.AddValue(QString(), value))

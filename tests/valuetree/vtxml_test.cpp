@@ -258,6 +258,10 @@ TEST(VtXml, ReadsIntoWhatIsThere)
     VtXml::FromXml(&root, more);
     EXPECT_THAT(log.take(), testing::ElementsAre("r 16"));
     EXPECT_EQ(root.GetValue("RECEIVER/X"), nullptr);
+    root.AddValue("RECEIVER/X", new Int("X", 7));
+    EXPECT_EQ(reasonOf(root, QString(more).replace(">3<", ">4<")), "");
+    EXPECT_EQ(root.GetValue("RECEIVER/X")->GetStringValue(), "7");
+    EXPECT_EQ(root.GetValue("RECEIVER/A/V")->GetStringValue(), "4");
 
     fill(second);
     auto *const victim = static_cast<Number *>(second.GetValue("RECEIVER/FREQUENCY"));

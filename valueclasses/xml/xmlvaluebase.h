@@ -37,12 +37,13 @@ public:
     /// Takes the fields over, which Check has let pass; each change notifies. The descriptor goes
     /// where the fields name none that is known.
     virtual void Read(ValueBase &value, const XmlFields &fields) const;
+    /// The kind that the fields are of, when they name another one than that of \a value:
+    /// VTYPE_Unknown for a name that isn't registered.
+    static std::optional<ValueType> OtherKind(const ValueBase &value, const XmlFields &fields);
 
 protected:
     /// Whether the fields of another kind will do.
     virtual bool ReadsType(ValueType) const { return false; }
-    /// The kind that the fields are of, when they name another one than that of \a value.
-    static std::optional<ValueType> OtherKind(const ValueBase &value, const XmlFields &fields);
     static void ReadDescriptor(ValueBase &value, const XmlFields &fields);
     [[noreturn]] static void fail(const ValueBase &value, const QString &reason);
 
