@@ -18,6 +18,7 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <functional>
 
 namespace {
 
@@ -300,8 +301,11 @@ public:
     void FixVersionConflict(Node *node, const ValueDescriptor *) override
     {
         fixed.push_back(node->GetName().toStdString());
+        if (repair)
+            repair(*node);
     }
     std::vector<std::string> fixed;
+    std::function<void(Node &)> repair;
 };
 
 class OneDescriptor final : public IValueDescriptorMap {
@@ -354,6 +358,74 @@ TEST(VtXml, AsksAboutOtherVersions)
     EXPECT_EQ(VtXml::ToXml(&root).count("<ValueDescriptor>KEY</ValueDescriptor>"), 2);
     root.GetNode("n")->SetValueDescriptor(nullptr, nullptr);
     root.GetValue("n/v")->SetValueDescriptor(nullptr);
+}
+
+/// Reads onto what a repair adds, and makes anew what it deletes.
+TEST(VtXml, ReadsBehindARepair)
+{
+    const OneDescriptor map;
+    const QString key = "<ValueDescriptor>KEY</ValueDescriptor>";
+    const QString value = "<%1 type=\"value\"><Type>ValueInt</Type><Value>%2</Value></%1>";
+    const QString xml =
+        document("<N type=\"node\">" + key + value.arg("A").arg(42) + "<S type=\"node\">" + key +
+                 value.arg("B").arg(43) + "</S>" + value.arg("C").arg(44) + "</N>");
+    const auto add = [](Node &node) {
+        if (node.GetName() == "S")
+            return;
+        node.AddValue("A", new Int("A", 7));
+        node.AddValue("S/B", new Int("B", 8));
+    };
+    const auto remove = [](Node &node) {
+        for (const char *const name : {"A", "B"})
+            node.DeleteValue(name);
+        delete node.GetNode("S");
+    };
+    const auto addAbove = [&](Node &node) { node.GetName() == "S" ? remove(node) : add(node); };
+    struct {
+        const char *name;
+        std::function<void(Node &)> before, repair;
+        TValueState a, b;
+    } const rows[] = {
+        {"a new node is added to", {}, add, VS_NORMAL, VS_NORMAL},
+        {"a new node is deleted from", {}, remove, VS_DISABLED, VS_DISABLED},
+        {"both", {}, addAbove, VS_NORMAL, VS_DISABLED},
+        {"one that is there is added to", [](Node &) {}, add, VS_NORMAL, VS_NORMAL},
+        {"one that is there is deleted from", add, remove, VS_DISABLED, VS_DISABLED},
+        {"one that is there loses a grandchild", add, addAbove, VS_NORMAL, VS_DISABLED},
+    };
+    Versions handler;
+    handler.AddValueDescriptor(map.descriptor);
+    VtXml::SetVtFileVersion(&handler);
+    for (const auto &row : rows)
+        for (const bool viaElements : {false, true}) {
+            if (viaElements && row.before)
+                continue; // only makes new nodes
+            SCOPED_TRACE(std::string(row.name) + (viaElements ? " via elements" : ""));
+            Node root;
+            if (row.before) {
+                root.AddNode("N");
+                row.before(*root.GetNode("N"));
+            }
+            handler.repair = row.repair;
+            EXPECT_EQ(faultOf([&] {
+                          if (viaElements)
+                              root.AddNode("", VtXml(xml).CreateNodeAt(0));
+                          else
+                              VtXml::FromXml(&root, xml);
+                      }).reason,
+                      "");
+            Node *const node = root.GetNode("N");
+            ASSERT_TRUE(node != nullptr && node->GetNode("S") != nullptr);
+            for (const auto &[path, text, state] :
+                 {std::tuple("A", "42", row.a), {"S/B", "43", row.b}, {"C", "44", VS_DISABLED}}) {
+                const ValueBase *const read = node->GetValue(path);
+                ASSERT_NE(read, nullptr) << path;
+                EXPECT_EQ(read->GetStringValue(), text) << path;
+                EXPECT_EQ(read->GetState(), state) << path;
+            }
+            for (Node *const each : {node, node->GetNode("S")})
+                each->SetValueDescriptor(nullptr, nullptr);
+        }
 }
 
 } // namespace
