@@ -71,7 +71,7 @@ void readValue(ValueBase &value, QDomElement &element)
 
 QString typeNameOf(const QDomElement &element)
 {
-    return element.firstChildElement(QStringLiteral("Type")).firstChild().toText().data();
+    return XmlValueBase::TextIn(element.firstChildElement(QStringLiteral("Type")));
 }
 
 /// Into an item of the same role, which a repair has put there.
@@ -130,7 +130,7 @@ void fill(Node &node, const QDomElement &element)
     const ItemWatch watch(&node);
     const QDomElement descriptor = descriptorOf(element);
     VtXmlParts::setDescriptor(
-        node, XmlTextForms::TextOf({descriptor.firstChild().toText().data(),
+        node, XmlTextForms::TextOf({XmlValueBase::TextIn(descriptor),
                                     descriptor.attribute(QStringLiteral("exact")), true}));
     QSet<QString> seen;
     for (QDomElement child = element.firstChildElement(); !child.isNull() && !watch.isGone();

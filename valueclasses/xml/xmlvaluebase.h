@@ -23,8 +23,11 @@ public:
     /// Appends an element with one text to \a parent.
     virtual void CreateXmlElement(QDomElement &parent, const QString &tag, const QString &text,
                                   QDomDocument &document) const;
-    /// The text of the first element of that name, if its first child is a text.
+    /// TextIn the first element of that name.
     virtual QString GetXmlValueByName(const QDomElement &element, const QString &tag) const;
+
+    /// The text that \a element begins with: what stands before any other child.
+    static QString TextIn(const QDomElement &element);
 
     /// Whether this handler can write and read \a value: a class that an application derives may
     /// have the type number of another one.
