@@ -370,7 +370,7 @@ TEST(VtXml, ReadsBehindARepair)
         document("<N type=\"node\">" + key + value.arg("A").arg(42) + "<S type=\"node\">" + key +
                  value.arg("B").arg(43) + "</S>" + value.arg("C").arg(44) + "</N>");
     const auto add = [](Node &node) {
-        if (node.GetName() == "S")
+        if (node.GetName() == "S" || node.GetChild("A") != nullptr)
             return;
         node.AddValue("A", new Int("A", 7));
         node.AddValue("S/B", new Int("B", 8));
