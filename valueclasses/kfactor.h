@@ -55,6 +55,8 @@ public:
     void SetDescription(const QString &description) { m_description = description; }
     /// Of the file that holds just these points; empty after a change.
     const QString &GetFileName() const { return m_fileName; }
+    /// For a curve that was kept elsewhere, behind its points.
+    void RestoreFileName(const QString &fileName) { m_fileName = fileName; }
 
     // Points. A point at a new frequency puts offsets and reduced points back to their defaults.
     /// Where there is a point of that frequency, the larger value and the smaller minimum stay.
@@ -134,6 +136,11 @@ public:
     bool removeReduced(int index);
     /// Sets a ReducedField; a frequency has to stay strictly between the neighbours.
     bool setReduced(int index, int field, double value);
+    /// The edited points as an image, with the index that was changed last; empty for others.
+    std::string GetEditsImage() const;
+    /// Behind the points, which drop the edits. \throws KRException, with nothing changed, for an
+    /// image that no editing leads to.
+    void RestoreEdits(const std::string &image);
     /// The index of the reduced point nearest to a frequency; -1 without one.
     int GetReducedIndex(double frequency) const;
     /// The index that was changed last, -1 for none; behind the last point when that was removed.

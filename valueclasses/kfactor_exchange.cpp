@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include <algorithm>
 #include <cmath>
 
 SPECTREE_DEFINE_RECORD_IMAGE(values::KF)
@@ -179,6 +180,35 @@ void KFactor::fromVector(const std::vector<double> &data, bool withMin)
     for (std::size_t i = 0; i < count; ++i)
         points[i] = {data[i], data[count + i], withMin ? data[2 * count + i] : KF::kNoMinimum};
     Set(points);
+}
+
+std::string KFactor::GetEditsImage() const
+{
+    std::string image;
+    if (m_reducedIsCurrent)
+        return image;
+    Record::appendField(image, m_reducedChangeIndex);
+    Record::appendField(image, m_reduced);
+    return image;
+}
+
+void KFactor::RestoreEdits(const std::string &image)
+{
+    const char *cursor = image.data();
+    const Kelm::ReadScope scope(cursor, image.size());
+    int changed = 0;
+    std::vector<KF> points;
+    Record::readField(&cursor, changed);
+    Record::readField(&cursor, points);
+    const auto isMisplaced = [](const KF &left, const KF &right) {
+        return !(left.frequency < right.frequency);
+    };
+    if (Kelm::bytesLeft(cursor) != 0 || changed < -1 || changed > int(points.size()) ||
+        std::adjacent_find(points.begin(), points.end(), isMisplaced) != points.end())
+        throw KRException(QStringLiteral("The reduced points of a curve are not whole"), __FILE__,
+                          "KFactor", "RestoreEdits", __LINE__);
+    KFactor().Set(points); // throws for a number that isn't finite
+    editReduced(changed) = std::move(points);
 }
 
 QString FormatKFactor::GetString(const KFactor &curve) { return curve.ToCSVString(); }

@@ -4,12 +4,15 @@
 #include "platform/base/errorhandler.h"
 #include "platform/base/krexception.h"
 #include "platform/base/xmlformat.h"
+#include "valueclasses/valuefactory.h"
 #include "valueclasses/xml/xmltext.h"
 #include "valueclasses/xmlvaluefactory.h"
 #include "valuetree/treewatch_p.h"
 #include "valuetree/valueitem.h"
 #include "valuetree/vtfileversion.h"
 #include "valuetree/vtxml_p.h"
+
+#include <QSet>
 
 namespace values {
 
@@ -61,16 +64,45 @@ QDomElement descriptorOf(const QDomElement &element)
 
 void fill(Node &node, const QDomElement &element);
 
-void fillItem(Node &node, QDomElement &element)
+void readValue(ValueBase &value, QDomElement &element)
+{
+    XmlValueFactory::Instance().HandlerFor(value).FromXml(&value, element);
+}
+
+QString typeNameOf(const QDomElement &element)
+{
+    return XmlValueBase::TextIn(element.firstChildElement(QStringLiteral("Type")));
+}
+
+/// Into an item of the same role, which a repair has put there.
+void fillThere(TreeItem &item, QDomElement &element)
+{
+    if (Node *const node = item.AsNode())
+        return fill(*node, element);
+    ValueBase *const value = item.AsValueItem()->GetValue();
+    const QString kind = typeNameOf(element);
+    if (value != nullptr && !kind.isEmpty() && kind != value->GetTypeName() &&
+        ValueFactory::Instance().TypeForTypeName(kind) == VTYPE_Unknown)
+        VtXmlParts::leaveOut(kind, item.GetName());
+    else if (value != nullptr)
+        readValue(*value, element);
+}
+
+/// \a seen are the names of the items before it.
+void fillItem(Node &node, QDomElement &element, QSet<QString> &seen)
 {
     const QString name = XmlTextForms::DecodeName(element.tagName());
     const QString type = element.attribute(QStringLiteral("type"));
     if (type != QLatin1String("node") && type != QLatin1String("value"))
         return;
-    const bool clash = !VtXmlParts::isItemName(name) || node.GetChild(name) != nullptr;
-    if (clash)
+    TreeItem *const there = node.GetChild(name);
+    if (!VtXmlParts::isItemName(name) || seen.contains(name) ||
+        (there != nullptr && (there->AsNode() != nullptr) != (type == QLatin1String("node"))))
         VtXmlParts::fail(
             QStringLiteral("The item \"%1\" can't stand below \"%2\".").arg(name, node.GetName()));
+    seen.insert(name);
+    if (there != nullptr)
+        return fillThere(*there, element);
     if (type == QLatin1String("node")) {
         auto *const child = new Node(name);
         const ItemWatch watch(child);
@@ -83,11 +115,10 @@ void fillItem(Node &node, QDomElement &element)
             fill(*child, element);
         return;
     }
-    std::unique_ptr<ValueBase> value =
-        VtXmlParts::makeValue(element.firstChildElement(QStringLiteral("Type")).text(), name);
+    std::unique_ptr<ValueBase> value = VtXmlParts::makeValue(typeNameOf(element), name);
     if (value == nullptr)
         return;
-    XmlValueFactory::Instance().HandlerFor(*value).FromXml(value.get(), element);
+    readValue(*value, element);
     ValueBase *const made = value.release(); // an observer that throws does so when it stands
     if (!node.AddValue(QString(), made))
         delete made;
@@ -99,11 +130,12 @@ void fill(Node &node, const QDomElement &element)
     const ItemWatch watch(&node);
     const QDomElement descriptor = descriptorOf(element);
     VtXmlParts::setDescriptor(
-        node, XmlTextForms::TextOf({descriptor.firstChild().toText().data(),
+        node, XmlTextForms::TextOf({XmlValueBase::TextIn(descriptor),
                                     descriptor.attribute(QStringLiteral("exact")), true}));
+    QSet<QString> seen;
     for (QDomElement child = element.firstChildElement(); !child.isNull() && !watch.isGone();
          child = child.nextSiblingElement())
-        fillItem(node, child);
+        fillItem(node, child, seen);
 }
 
 } // namespace

@@ -21,6 +21,8 @@ bool canKeep(TreeItem &child);
 QString descriptorKey(const Node &node);
 /// Looks the key up and has the handler repair the node.
 void setDescriptor(Node &node, const QString &key);
+/// Traces a value of an unknown kind.
+void leaveOut(const QString &typeName, const QString &name);
 /// A value in state 2; null, and traced, for an unknown kind.
 std::unique_ptr<ValueBase> makeValue(const QString &typeName, const QString &name);
 

@@ -105,14 +105,19 @@ void setDescriptor(Node &node, const QString &key)
         VtXml::FixVersionConflict(&node, found);
 }
 
+void leaveOut(const QString &typeName, const QString &name)
+{
+    _Q_assert(false, "type != VTYPE_Unknown", __FILE__, __LINE__);
+    _Q_Trace(QStringLiteral("The value \"%1\" is left out: its kind \"%2\" is unknown.")
+                 .arg(name, typeName.left(80)),
+             __FILE__, __LINE__);
+}
+
 std::unique_ptr<ValueBase> makeValue(const QString &typeName, const QString &name)
 {
     std::unique_ptr<ValueBase> value(ValueFactory::Instance().CreateValue(typeName));
     if (value == nullptr) {
-        _Q_assert(false, "type != VTYPE_Unknown", __FILE__, __LINE__);
-        _Q_Trace(QStringLiteral("The value \"%1\" is left out: its kind \"%2\" is unknown.")
-                     .arg(name, typeName.left(80)),
-                 __FILE__, __LINE__);
+        leaveOut(typeName, name);
         return nullptr;
     }
     value->SetName(name, nullptr);

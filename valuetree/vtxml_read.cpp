@@ -91,6 +91,7 @@ private:
     void applyDescriptor(Node &node, std::size_t element);
     void applyNode(Node &parent, std::size_t at, const QString &name);
     void applyValue(Node &parent, std::size_t at, const QString &name);
+    void makeAnew(std::size_t at, const QString &name);
     std::size_t descriptorOf(std::size_t element) const;
     QString nameOf(std::size_t at) const
     {
@@ -145,12 +146,17 @@ void TreeReader::checkValue(ValueBase *existing, std::size_t at, const QString &
 {
     const ElementFields fields(m_document, at);
     if (existing != nullptr) {
-        XmlValueFactory::Instance().HandlerFor(*existing).Check(*existing, fields);
+        if (XmlValueBase::OtherKind(*existing, fields) != VTYPE_Unknown)
+            return XmlValueFactory::Instance().HandlerFor(*existing).Check(*existing, fields);
+        VtXmlParts::leaveOut(fields.Find(u"Type").text, name);
+        m_elements[at].role = Role::LeftOut;
         return;
     }
     std::unique_ptr<ValueBase> made = VtXmlParts::makeValue(fields.Find(u"Type").text, name);
-    if (made == nullptr)
+    if (made == nullptr) {
+        m_elements[at].role = Role::LeftOut;
         return;
+    }
     const XmlValueBase &handler = XmlValueFactory::Instance().HandlerFor(*made);
     handler.Check(*made, fields);
     handler.Read(*made, fields);
@@ -215,11 +221,12 @@ void TreeReader::applyNode(Node &parent, std::size_t at, const QString &name)
     const bool wasFresh = m_fresh;
     if (wasFresh)
         add();
-    m_fresh = true;
     const ItemWatch parentWatch(&parent), watch(&node);
     applyDescriptor(node, at);
-    if (!watch.isGone())
+    if (!watch.isGone()) {
+        m_fresh = node.GetChildrenCount() == 0; // a repair may have added some
         apply(node, at);
+    }
     m_fresh = wasFresh;
     if (watch.isGone())
         static_cast<void>(made.release()); // a repair has deleted it
@@ -227,13 +234,25 @@ void TreeReader::applyNode(Node &parent, std::size_t at, const QString &name)
         traceSkipped(name);
 }
 
+/// In the place of what was there when the document was checked.
+void TreeReader::makeAnew(std::size_t at, const QString &name)
+{
+    try {
+        checkValue(nullptr, at, name);
+    } catch (const KRException &) { // it was checked for a value of another kind
+        traceSkipped(name);
+    }
+}
+
 void TreeReader::applyValue(Node &parent, std::size_t at, const QString &name)
 {
     TreeItem *const there = existing(parent, name);
     if (there == nullptr) {
+        if (m_elements[at].madeValue < 0)
+            makeAnew(at, name);
         const int index = m_elements[at].madeValue;
         if (index < 0)
-            return; // of an unknown kind, or deleted meanwhile
+            return;
         std::unique_ptr<ValueBase> &made = m_made[std::size_t(index)];
         ValueBase *const value = made.release(); // an observer that throws does so when it stands
         if (parent.AddValue(QString(), value))
@@ -259,9 +278,10 @@ void TreeReader::applyValue(Node &parent, std::size_t at, const QString &name)
 
 void TreeReader::traceSkipped(const QString &name)
 {
-    _Q_Trace(
-        QStringLiteral("The item \"%1\" is not read: an observer has changed its place.").arg(name),
-        __FILE__, __LINE__);
+    _Q_Trace(QStringLiteral(
+                 "The item \"%1\" is not read: an observer or a repair has changed its place.")
+                 .arg(name),
+             __FILE__, __LINE__);
 }
 
 int depthOf(const Node &node)

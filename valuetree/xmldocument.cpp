@@ -141,7 +141,12 @@ private:
         case QXmlStreamReader::Characters:
             addText();
             break;
+        case QXmlStreamReader::Comment:
+        case QXmlStreamReader::ProcessingInstruction:
+            endText();
+            break;
         case QXmlStreamReader::EndElement:
+            endText();
             m_document.m_elements[m_open.back()].end = int(m_document.m_elements.size());
             m_open.pop_back();
             break;
@@ -159,12 +164,13 @@ private:
             m_refused = QStringLiteral("The elements nest deeper than a tree may be");
             return;
         }
-        dropTextOfParent();
+        endText();
         XmlDocument::Element element;
         element.name = m_document.store(m_reader.qualifiedName());
         for (const QXmlStreamAttribute &attribute : m_reader.attributes())
             takeAttribute(element, attribute);
-        element.text.at = m_document.m_texts.size();
+        element.text.at = m_blanks = m_document.m_texts.size();
+        m_takesText = true;
         m_open.push_back(m_document.m_elements.size());
         m_document.m_elements.push_back(element);
     }
@@ -185,29 +191,41 @@ private:
                                                                          : XmlDocument::Role::Other;
     }
 
-    /// What stands between elements is no text of theirs, and mostly blanks.
-    void dropTextOfParent()
+    /// What Qt's DOM has for an element's text: what it begins with. Blanks alone are none, beside
+    /// a CDATA section either.
+    void endText()
     {
-        if (m_open.empty())
+        if (!m_takesText)
             return;
-        XmlDocument::Element &parent = m_document.m_elements[m_open.back()];
-        if (m_open.back() + 1 == m_document.m_elements.size()) {
-            m_document.m_texts.truncate(parent.text.at);
-            parent.text.length = 0;
-        }
+        m_takesText = false;
+        dropBlanks();
+        XmlDocument::Slice &text = m_document.m_elements.back().text;
+        text.length = m_document.m_texts.size() - text.at;
     }
 
     void addText()
     {
-        if (m_open.empty() || m_open.back() + 1 != m_document.m_elements.size())
+        if (!m_takesText)
             return;
-        m_document.m_elements.back().text.length += m_document.store(m_reader.text()).length;
+        if (m_reader.isCDATA())
+            dropBlanks();
+        m_document.store(m_reader.text());
+        if (m_reader.isCDATA())
+            m_blanks = m_document.m_texts.size();
+    }
+
+    void dropBlanks()
+    {
+        if (XmlTextForms::IsBlank(QStringView(m_document.m_texts).mid(m_blanks)))
+            m_document.m_texts.truncate(m_blanks);
     }
 
     XmlDocument &m_document;
     QXmlStreamReader m_reader;
     QString m_refused;
     std::vector<std::size_t> m_open;
+    bool m_takesText = false; // nothing else stands in the last element yet
+    int m_blanks = 0;         // where characters begin that may be blanks alone
 };
 
 XmlDocument::XmlDocument(const QString &xml) : m_version(QStringLiteral("0.0"))

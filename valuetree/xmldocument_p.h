@@ -19,7 +19,7 @@ constexpr int kMostAttributes = 32; // of one element
 /// Of an element it keeps what tree documents use.
 class XmlDocument {
 public:
-    enum class Role : unsigned char { Other, Node, Value };
+    enum class Role : unsigned char { Other, Node, Value, LeftOut }; // the last by the reader
     struct Slice {
         int at = 0;
         int length = 0;

@@ -310,17 +310,90 @@ TEST(ValueKFactor, UndoesWhatNoStringHolds)
     value->SetUndoManager(nullptr);
 }
 
-TEST(ValueKFactor, KeepsItsNameInATreeFile)
+void expectSame(const KFactor &read, const KFactor &kept)
 {
-    const auto value = makeValue();
-    value->SetTransducerName(" HL;1 ", nullptr);
-    const XmlValueBase &handler = XmlValueFactory::Instance().HandlerFor(*value);
+    EXPECT_TRUE(read.IsSame(kept))
+        << qPrintable(read.GetTransducerName() + read.GetFileName()) << read.ReducedChangeIndex();
+}
+
+TEST(ValueKFactor, IsKeptWholeInATreeFile)
+{
+    const QTemporaryDir folder;
+    std::vector<KFactor> curves(6, curve());
+    curves[1].SetTransducerName(" HL;1 ");
+    ASSERT_EQ(curves[2].SaveToFile(folder.filePath("a\r")), 0);
+    curves[3] = curves[2];
+    EXPECT_TRUE(curves[3].setReduced(1, KFactor::ReducedValue, 9));
+    curves[3].ResetReducedChangeIndex();
+    curves[4].Reduce(2);
+    EXPECT_TRUE(curves[4].removeReduced(1)); // the index is behind the last one now
+    EXPECT_TRUE(curves[5].removeReduced(0) && curves[5].removeReduced(0));
     QDomDocument document;
-    QDomElement element = document.createElement("k");
-    handler.ToXml(value.get(), element, document);
-    ValueKFactor restored("k");
-    handler.FromXml(&restored, element);
-    EXPECT_TRUE(restored.GetCurve().IsSame(value->GetCurve()));
+    for (KFactor &kept : curves)
+        for (const KFactor &before : curves) {
+            SCOPED_TRACE(std::to_string(&kept - &curves[0]) + " onto " +
+                         std::to_string(&before - &curves[0]));
+            ValueKFactor value("k", kept), restored("k", before);
+            const XmlValueBase &handler = XmlValueFactory::Instance().HandlerFor(value);
+            QDomElement element = document.createElement("k");
+            handler.ToXml(&value, element, document);
+            Recorder recorder(restored, ModeBinary);
+            handler.FromXml(&restored, element);
+            expectSame(restored.GetCurve(), kept);
+            EXPECT_EQ(recorder.codes.size(), before.IsSame(kept) ? 0U : 1U);
+        }
+    for (const KFactor &kept : curves) {
+        KFactorPure value("k", kept), restored("k");
+        const XmlValueBase &handler = XmlValueFactory::Instance().HandlerFor(value);
+        QDomElement element = document.createElement("k");
+        handler.ToXml(&value, element, document);
+        handler.FromXml(&restored, element);
+        expectSame(restored.GetValue(), kept);
+    }
+}
+
+TEST(ValueKFactor, RefusesEditsThatNoEditingLeadsTo)
+{
+    const auto image = [](int changed, const Points &points) {
+        std::string bytes = raw(changed) + raw(int(points.size()));
+        for (const KF &point : points)
+            bytes += raw(point.frequency) + raw(point.value) + raw(point.minimum);
+        return bytes;
+    };
+    const Points two = {{1, 1, kNone}, {2, 2, 0}};
+    const std::string good = image(2, two);
+    const std::string images[] = {
+        "",
+        good + ';',
+        good.substr(0, good.size() - 1),
+        raw(0) + "\xFF\xFF\xFF\xFF"s + good,
+        image(-2, two),
+        image(3, two),
+        image(0, {two[1], two[0]}),
+        image(0, {two[0], two[0]}),
+        image(0, {{NAN, 1, 1}}),
+        image(0, {{1, INFINITY, 1}}),
+        image(0, {{1, 1, NAN}}),
+    };
+    KFactor each = curve();
+    each.RestoreEdits(good);
+    EXPECT_EQ(each.Reduced(), two);
+    EXPECT_EQ(each.GetEditsImage(), good);
+    const auto value = makeValue();
+    Recorder recorder(*value, ModeBinary);
+    const XmlValueBase &handler = XmlValueFactory::Instance().HandlerFor(*value);
+    ValueKFactor other("k", each);
+    QDomDocument document;
+    for (const std::string &bytes : images) {
+        QDomElement element = document.createElement("k");
+        handler.ToXml(&other, element, document);
+        element.firstChildElement("Reduced").firstChild().setNodeValue(
+            QByteArray::fromStdString(bytes).toBase64());
+        EXPECT_THROW(handler.FromXml(value.get(), element), KRException);
+        EXPECT_THROW(each.RestoreEdits(bytes), KRException);
+    }
+    EXPECT_TRUE(value->GetCurve().IsSame(curve()) && recorder.codes.empty());
+    EXPECT_EQ(each.GetEditsImage(), good);
 }
 
 TEST(ValueKFactor, IsPostedWhole)

@@ -2,6 +2,7 @@
 #include "platform/base/userquestion.h"
 #include "quiettraces.h"
 #include "valueclasses/ivaluedescriptormap.h"
+#include "valueclasses/kfactorvalue.h"
 #include "valueclasses/value_impl.h"
 #include "valueclasses/valuefactory.h"
 #include "valueclasses/valuelist.h"
@@ -17,6 +18,7 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <functional>
 
 namespace {
 
@@ -257,6 +259,10 @@ TEST(VtXml, ReadsIntoWhatIsThere)
     VtXml::FromXml(&root, more);
     EXPECT_THAT(log.take(), testing::ElementsAre("r 16"));
     EXPECT_EQ(root.GetValue("RECEIVER/X"), nullptr);
+    root.AddValue("RECEIVER/X", new Int("X", 7));
+    EXPECT_EQ(reasonOf(root, QString(more).replace(">3<", ">4<")), "");
+    EXPECT_EQ(root.GetValue("RECEIVER/X")->GetStringValue(), "7");
+    EXPECT_EQ(root.GetValue("RECEIVER/A/V")->GetStringValue(), "4");
 
     fill(second);
     auto *const victim = static_cast<Number *>(second.GetValue("RECEIVER/FREQUENCY"));
@@ -281,6 +287,12 @@ TEST(VtXml, ReadsIntoWhatIsThere)
     VtXml::FromXml(&second, kGolden);
     EXPECT_EQ(item->GetStringValue(), "5.000000");
     EXPECT_EQ(second.GetValue("RECEIVER/MODE")->GetStringValue(), "3");
+
+    auto *const curve = new ValueKFactor("CURVE");
+    curve->SetTransducerName("HL", nullptr);
+    second.AddValue("", curve);
+    VtXml::FromXml(&second, VtXml::ToXml(&second).remove("<Transducer>HL</Transducer>"));
+    EXPECT_EQ(curve->GetTransducerName(), "HL"); // which the document doesn't name
 }
 
 class Versions final : public VtFileVersion {
@@ -289,8 +301,11 @@ public:
     void FixVersionConflict(Node *node, const ValueDescriptor *) override
     {
         fixed.push_back(node->GetName().toStdString());
+        if (repair)
+            repair(*node);
     }
     std::vector<std::string> fixed;
+    std::function<void(Node &)> repair;
 };
 
 class OneDescriptor final : public IValueDescriptorMap {
@@ -343,6 +358,74 @@ TEST(VtXml, AsksAboutOtherVersions)
     EXPECT_EQ(VtXml::ToXml(&root).count("<ValueDescriptor>KEY</ValueDescriptor>"), 2);
     root.GetNode("n")->SetValueDescriptor(nullptr, nullptr);
     root.GetValue("n/v")->SetValueDescriptor(nullptr);
+}
+
+/// Reads onto what a repair adds, and makes anew what it deletes.
+TEST(VtXml, ReadsBehindARepair)
+{
+    const OneDescriptor map;
+    const QString key = "<ValueDescriptor>KEY</ValueDescriptor>";
+    const QString value = "<%1 type=\"value\"><Type>ValueInt</Type><Value>%2</Value></%1>";
+    const QString xml =
+        document("<N type=\"node\">" + key + value.arg("A").arg(42) + "<S type=\"node\">" + key +
+                 value.arg("B").arg(43) + "</S>" + value.arg("C").arg(44) + "</N>");
+    const auto add = [](Node &node) {
+        if (node.GetName() == "S" || node.GetChild("A") != nullptr)
+            return;
+        node.AddValue("A", new Int("A", 7));
+        node.AddValue("S/B", new Int("B", 8));
+    };
+    const auto remove = [](Node &node) {
+        for (const char *const name : {"A", "B"})
+            node.DeleteValue(name);
+        delete node.GetNode("S");
+    };
+    const auto addAbove = [&](Node &node) { node.GetName() == "S" ? remove(node) : add(node); };
+    struct {
+        const char *name;
+        std::function<void(Node &)> before, repair;
+        TValueState a, b;
+    } const rows[] = {
+        {"a new node is added to", {}, add, VS_NORMAL, VS_NORMAL},
+        {"a new node is deleted from", {}, remove, VS_DISABLED, VS_DISABLED},
+        {"both", {}, addAbove, VS_NORMAL, VS_DISABLED},
+        {"one that is there is added to", [](Node &) {}, add, VS_NORMAL, VS_NORMAL},
+        {"one that is there is deleted from", add, remove, VS_DISABLED, VS_DISABLED},
+        {"one that is there loses a grandchild", add, addAbove, VS_NORMAL, VS_DISABLED},
+    };
+    Versions handler;
+    handler.AddValueDescriptor(map.descriptor);
+    VtXml::SetVtFileVersion(&handler);
+    for (const auto &row : rows)
+        for (const bool viaElements : {false, true}) {
+            if (viaElements && row.before)
+                continue; // only makes new nodes
+            SCOPED_TRACE(std::string(row.name) + (viaElements ? " via elements" : ""));
+            Node root;
+            if (row.before) {
+                root.AddNode("N");
+                row.before(*root.GetNode("N"));
+            }
+            handler.repair = row.repair;
+            EXPECT_EQ(faultOf([&] {
+                          if (viaElements)
+                              root.AddNode("", VtXml(xml).CreateNodeAt(0));
+                          else
+                              VtXml::FromXml(&root, xml);
+                      }).reason,
+                      "");
+            Node *const node = root.GetNode("N");
+            ASSERT_TRUE(node != nullptr && node->GetNode("S") != nullptr);
+            for (const auto &[path, text, state] :
+                 {std::tuple("A", "42", row.a), {"S/B", "43", row.b}, {"C", "44", VS_DISABLED}}) {
+                const ValueBase *const read = node->GetValue(path);
+                ASSERT_NE(read, nullptr) << path;
+                EXPECT_EQ(read->GetStringValue(), text) << path;
+                EXPECT_EQ(read->GetState(), state) << path;
+            }
+            for (Node *const each : {node, node->GetNode("S")})
+                each->SetValueDescriptor(nullptr, nullptr);
+        }
 }
 
 } // namespace

@@ -25,6 +25,7 @@ TEST(VtXmlForms, LosesNoTextAndNoNumber)
                              QString(QChar(0)),
                              QString(QChar(0xD800)),
                              "\u00E4\n",
+                             "\u00A0", // a blank for Qt's DOM
                              "&",
                              "_x0041_",
                              QString(QChar(0xFFFE)),
@@ -47,6 +48,43 @@ TEST(VtXmlForms, LosesNoTextAndNoNumber)
     expectSameByElements(root);
     const QString shorter = VtXml::ToXml(&root);
     EXPECT_EQ(XmlFormat::Format(shorter), shorter);
+}
+
+/// What else may stand in an element is an editor's.
+TEST(VtXmlForms, ReadsTheTextThatAnElementBeginsWithByEitherRoad)
+{
+    struct {
+        const char *type, *inside, *value;
+    } const rows[] = {
+        {"ValueInt", "5<x/>", "5"},
+        {"ValueInt", "5<!-- c -->6", "5"},
+        {"ValueInt", "5<?p?>6", "5"},
+        {"ValueInt", "<!-- c -->5", "0"},
+        {"ValueInt", "<?p?>5", "0"},
+        {"ValueInt", "\n  <x>7</x>5", "0"},
+        {"ValueInt", "\n", "0"},
+        {"ValueString", "\n  ", ""},
+        {"ValueString", "&#32;", ""},
+        {"ValueString", " a ", " a "},
+        {"ValueString", " &lt;&#32;", " < "},
+        {"ValueString", "<![CDATA[ ]]>", " "},
+        {"ValueString", "\n<![CDATA[a]]]]>\n<![CDATA[>b]]>c\n", "a]]>bc\n"},
+        {"ValueString", "a<![CDATA[b]]><x/>", "ab"},
+        {"ValueString", "<x/><![CDATA[b]]>", ""},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(std::string(row.type) + ' ' + row.inside);
+        const QString xml = document(QStringLiteral("<n type=\"node\"><v type=\"value\"><Type>%1"
+                                                    "</Type><Value>%2</Value></v></n>")
+                                         .arg(row.type, row.inside));
+        Node root;
+        EXPECT_EQ(reasonOf(root, xml), "");
+        const std::unique_ptr<Node> made(VtXml(xml).CreateNodeAt(0));
+        for (const Node *const node : {root.GetNode("n"), made.get()}) {
+            ASSERT_TRUE(node != nullptr && node->GetValue("v") != nullptr);
+            EXPECT_EQ(node->GetValue("v")->GetStringValue(), row.value);
+        }
+    }
 }
 
 TEST(VtXmlForms, EscapesOnlyNamesThatNeedIt)

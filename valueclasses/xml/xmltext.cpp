@@ -44,13 +44,13 @@ std::optional<QChar> escapeAt(QStringView text)
     throw KRException(reason, __FILE__, "XmlTextForms", "Read", __LINE__);
 }
 
-bool isBlank(const QString &text)
+} // namespace
+
+bool IsBlank(QStringView text)
 {
     return std::all_of(text.begin(), text.end(),
                        [](QChar c) { return c == u' ' || c == u'\t' || c == u'\n' || c == u'\r'; });
 }
-
-} // namespace
 
 QString EncodeName(const QString &name)
 {
@@ -90,7 +90,9 @@ QString DecodeName(QStringView element)
 
 QString ExactText(const QString &text)
 {
-    bool kept = text.isEmpty() || !isBlank(text);
+    // What Unicode calls a blank is one for Qt's DOM, too.
+    bool kept = text.isEmpty() ||
+                !std::all_of(text.begin(), text.end(), [](QChar c) { return c.isSpace(); });
     for (int i = 0; kept && i < text.size(); ++i)
         kept = text[i] != u'\r' && Kelm::isXmlCharacter(text, i);
     if (kept)

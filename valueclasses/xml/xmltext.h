@@ -19,6 +19,8 @@ SPECTREE_EXPORT QString DecodeName(QStringView element);
 /// The longest "exact" that a document may hold, in characters.
 constexpr int kLongestExact = 1 << 24;
 
+/// Whether it is nothing but what XML calls white space.
+SPECTREE_EXPORT bool IsBlank(QStringView text);
 /// Empty when XML keeps \a text as it is, otherwise the base64 of its UTF-16LE.
 SPECTREE_EXPORT QString ExactText(const QString &text);
 /// The text as it was. \throws KRException when "exact" isn't base64 of whole characters.

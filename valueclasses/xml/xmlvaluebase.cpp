@@ -97,7 +97,15 @@ void XmlValueBase::CreateXmlElement(QDomElement &parent, const QString &tag, con
 
 QString XmlValueBase::GetXmlValueByName(const QDomElement &element, const QString &tag) const
 {
-    return element.firstChildElement(tag).firstChild().toText().data();
+    return TextIn(element.firstChildElement(tag));
+}
+
+QString XmlValueBase::TextIn(const QDomElement &element)
+{
+    QString text;
+    for (QDomNode part = element.firstChild(); part.isText(); part = part.nextSibling())
+        text += part.toText().data(); // a CDATA section is a part of its own
+    return text;
 }
 
 void XmlValueBase::Write(ValueBase &value, XmlFieldSink &sink) const

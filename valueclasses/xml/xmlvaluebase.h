@@ -23,8 +23,11 @@ public:
     /// Appends an element with one text to \a parent.
     virtual void CreateXmlElement(QDomElement &parent, const QString &tag, const QString &text,
                                   QDomDocument &document) const;
-    /// The text of the first element of that name, if its first child is a text.
+    /// TextIn the first element of that name.
     virtual QString GetXmlValueByName(const QDomElement &element, const QString &tag) const;
+
+    /// The text that \a element begins with: what stands before any other child.
+    static QString TextIn(const QDomElement &element);
 
     /// Whether this handler can write and read \a value: a class that an application derives may
     /// have the type number of another one.
@@ -37,12 +40,13 @@ public:
     /// Takes the fields over, which Check has let pass; each change notifies. The descriptor goes
     /// where the fields name none that is known.
     virtual void Read(ValueBase &value, const XmlFields &fields) const;
+    /// The kind that the fields are of, when they name another one than that of \a value:
+    /// VTYPE_Unknown for a name that isn't registered.
+    static std::optional<ValueType> OtherKind(const ValueBase &value, const XmlFields &fields);
 
 protected:
     /// Whether the fields of another kind will do.
     virtual bool ReadsType(ValueType) const { return false; }
-    /// The kind that the fields are of, when they name another one than that of \a value.
-    static std::optional<ValueType> OtherKind(const ValueBase &value, const XmlFields &fields);
     static void ReadDescriptor(ValueBase &value, const XmlFields &fields);
     [[noreturn]] static void fail(const ValueBase &value, const QString &reason);
 

@@ -28,10 +28,41 @@ void readOffset(ValueBase &value, const XmlText &offset)
             number->SetOffset(XmlTextForms::NumberOf(offset), nullptr);
 }
 
-void readTransducer(ValueBase &value, const XmlText &name)
+constexpr int kCurveId = CommandSetValue<KFactor>::kId;
+
+/// The curve as a whole, so that observers are told once. \throws KRException.
+KFactor curveOf(const KFactorPure &value, const XmlFields &fields)
 {
-    if (auto *const curve = dynamic_cast<ValueKFactor *>(&value))
-        curve->SetTransducerName(XmlTextForms::TextOf(name), nullptr);
+    const KeepLastDeletedObject keep; // the trial value comes and goes
+    KFactor curve = value.GetValue();
+    KFactorPure trial;
+    std::vector<std::unique_ptr<KELM::ICommand>> commands;
+    trial.SetCommandString(XmlTextForms::FromBase64(fields.Find(u"State").text), commands, nullptr,
+                           ModeBinaryTagged);
+    for (const auto &command : commands)
+        if (command->GetCommandId() == kCurveId) {
+            command->Execute();
+            const QString name = curve.GetTransducerName();
+            curve = trial.GetValue();
+            curve.SetTransducerName(name);
+        }
+    if (const XmlText name = fields.Find(u"Transducer"); name.present)
+        curve.SetTransducerName(XmlTextForms::TextOf(name));
+    if (const XmlText name = fields.Find(u"File"); name.present)
+        curve.RestoreFileName(XmlTextForms::TextOf(name));
+    if (const XmlText edits = fields.Find(u"Reduced"); edits.present)
+        curve.RestoreEdits(XmlTextForms::FromBase64(edits.text));
+    return curve;
+}
+
+void writeCurve(const KFactor &curve, XmlFieldSink &sink)
+{
+    const QString &name = curve.GetTransducerName(), &file = curve.GetFileName();
+    sink.Text(u"Transducer", name, XmlTextForms::ExactText(name));
+    if (!file.isEmpty())
+        sink.Text(u"File", file, XmlTextForms::ExactText(file));
+    if (const std::string edits = curve.GetEditsImage(); !edits.empty())
+        sink.Text(u"Reduced", XmlTextForms::Base64(edits), {});
 }
 
 } // namespace
@@ -44,10 +75,8 @@ void XmlValueState::Write(ValueBase &value, XmlFieldSink &sink) const
         const std::string text = StreamFormat<double>::ToStream(offset, ModeText);
         sink.Text(u"Offset", QString::fromStdString(text), XmlTextForms::ExactNumber(offset, text));
     }
-    if (const auto *const curve = dynamic_cast<const ValueKFactor *>(&value)) {
-        const QString &name = curve->GetTransducerName();
-        sink.Text(u"Transducer", name, XmlTextForms::ExactText(name));
-    }
+    if (const auto *const curve = dynamic_cast<const KFactorPure *>(&value))
+        writeCurve(curve->GetValue(), sink);
     WriteState(value, sink);
 }
 
@@ -59,21 +88,28 @@ void XmlValueState::Check(ValueBase &value, const XmlFields &fields) const
         fail(value, QStringLiteral("the element \"State\" is missing"));
     try {
         XmlTextForms::NumberOf(fields.Find(u"Offset"));
-        XmlTextForms::TextOf(fields.Find(u"Transducer"));
     } catch (const KRException &error) {
         fail(value, error.GetReason());
     }
     CheckState(value, state);
+    try {
+        if (const auto *const curve = dynamic_cast<const KFactorPure *>(&value))
+            curveOf(*curve, fields);
+    } catch (const KRException &error) {
+        fail(value, error.GetReason());
+    }
 }
 
 void XmlValueState::Read(ValueBase &value, const XmlFields &fields) const
 {
     ReadDescriptor(value, fields); // a kind with the number 0 is as good as any here
     readOffset(value, fields.Find(u"Offset"));
-    if (!fields.IsTargetGone())
-        ReadState(value, fields.Find(u"State"), fields);
-    if (!fields.IsTargetGone())
-        readTransducer(value, fields.Find(u"Transducer"));
+    if (fields.IsTargetGone())
+        return;
+    auto *const curve = dynamic_cast<KFactorPure *>(&value);
+    ReadState(value, fields.Find(u"State"), fields, curve != nullptr ? kCurveId : 0);
+    if (curve != nullptr && !fields.IsTargetGone())
+        curve->SetValue(curveOf(*curve, fields), nullptr);
 }
 
 void XmlValueState::WriteState(ValueBase &value, XmlFieldSink &sink)
@@ -105,7 +141,8 @@ void XmlValueState::CheckState(ValueBase &value, const XmlText &state)
     }
 }
 
-void XmlValueState::ReadState(ValueBase &value, const XmlText &state, const XmlFields &fields)
+void XmlValueState::ReadState(ValueBase &value, const XmlText &state, const XmlFields &fields,
+                              int except)
 {
     std::vector<std::unique_ptr<KELM::ICommand>> commands;
     value.SetCommandString(XmlTextForms::FromBase64(state.text), commands, nullptr,
@@ -113,7 +150,7 @@ void XmlValueState::ReadState(ValueBase &value, const XmlText &state, const XmlF
     for (const auto &command : commands) {
         if (fields.IsTargetGone())
             return;
-        if (isContent(command->GetCommandId()))
+        if (isContent(command->GetCommandId()) && command->GetCommandId() != except)
             command->Execute();
     }
 }
