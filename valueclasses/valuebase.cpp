@@ -99,7 +99,7 @@ void ValueBase::takePlaceElsewhere(const ValueBase &other)
     const bool isInTree = m_deleteObserver != nullptr;
     const bool rename = isInTree && (waits || m_name != other.m_name);
     if (!isInTree)
-        m_name = other.m_name; // as SetName does
+        m_name = other.m_name;
     if (!waits && !rename && period == GetUpdateTimerTime() && manager == GetUndoManager())
         return;
     if (waits || rename || m_rare != nullptr || hasFlag(HasUndo) || period != 0)

@@ -4,6 +4,7 @@
 #include "valueclasses/selection/selectionitem.h"
 
 #include <concepts>
+#include <cstddef>
 #include <map>
 #include <utility>
 
@@ -35,10 +36,12 @@ public:
                     double minimum, double maximum, double step = 1.0, QString unit = {},
                     int basis = 0, QString tooltip = {});
     /// A selection, with its items. Deduced, so that a literal 0 is the minimum of a number.
-    template <std::same_as<SelItemDesc> Item>
-    ValueDescriptor(QString name, QString path, const ValueBase *type, QString initial,
-                    const Item *items, int itemCount, QString unit = {}, int basis = 0,
-                    QString tooltip = {})
+    template <typename Items>
+    requires std::same_as<Items, SelItemDesc *> || std::same_as<Items, const SelItemDesc *> ||
+        std::same_as<Items, std::nullptr_t>
+        ValueDescriptor(QString name, QString path, const ValueBase *type, QString initial,
+                        Items items, int itemCount, QString unit = {}, int basis = 0,
+                        QString tooltip = {})
         : ValueDescriptor(std::move(name), std::move(path), type, std::move(initial),
                           Selection{items, itemCount}, std::move(unit), basis, std::move(tooltip))
     {

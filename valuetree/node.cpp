@@ -459,8 +459,12 @@ void Node::DeleteChildren()
         if (!child->m_ending) // else its own destruction called an observer that led here
             delete child;
     }
-    if (!watch.isGone() && !m_ending)
+    if (watch.isGone() || m_ending)
+        return;
+    if (isInner || m_toldAhead)
         m_childrenNotified = false;
+    else
+        reviveChildren(); // an inner deletion that broke off may have told some that came later
 }
 
 } // namespace values

@@ -117,6 +117,15 @@ TEST(ValueSelectionModel, MayBeDeletedByWhoHearsOfTheChoice)
                      [model] { delete model; });
     selection.SelectIndex(1, nullptr);
     EXPECT_FALSE(selection.HasObservers());
+
+    auto *const second = new ValueSelectionModel(&selection);
+    QObject::connect(second, &QAbstractItemModel::rowsInserted, [second] { delete second; });
+    {
+        const ValueTransaction transaction(selection, CC_VALUE, nullptr);
+        selection.DeleteItems(nullptr);
+        selection.AddItems({"c", "d", "e"}, nullptr);
+    }
+    EXPECT_FALSE(selection.HasObservers());
 }
 
 TEST(ValueSelectionModel, OutlivesItsSelection)

@@ -76,11 +76,11 @@ TYPED_TEST(ValueNumericTest, AChangingValueMakesNoTraffic)
 TEST(ValueNumeric, ItsOwnValueIsNoChangeBehindAnOffset)
 {
     ValueNumericWithOffset<double> value;
-    value.SetMinMax(-0.7, 5, 0.1, nullptr);
-    value.SetOffset(0.2, nullptr);
-    value.SetMin(-0.7, nullptr);
-    value.SetValue(-0.7, nullptr);
-    ASSERT_NE(value.GetValue() + 0.2, -0.5) << "a case in which the sum is rounded";
+    value.SetMinMax(-2, 5, 0.1, nullptr);
+    value.SetOffset(0.36, nullptr);
+    value.SetMin(-1.36, nullptr);
+    value.SetValue(-1.36, nullptr);
+    ASSERT_NE(value.GetValue() + 0.36, -1.0) << "a case in which the sum is rounded";
     CodeLog log;
     value.AddObserver(&log);
     value.SetValue(value.GetValue(), nullptr);

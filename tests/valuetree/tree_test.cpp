@@ -240,14 +240,24 @@ TEST(TreeLife, NoChildIsToldTwiceWhenAnObserverBreaksOffInIt)
 {
     Life life;
     Node &node = *life.tree.GetNode("/n");
-    life.log.then["m 18"] = [&] { EXPECT_THROW(node.DeleteChildren(), KRException); };
-    life.log.then["w 17"] = [&] {
+    Node *later = nullptr;
+    TreeLog::Watcher watcher(life.log, "later");
+    life.log.then["m 18"] = [&] {
+        later = new Node("later");
+        node.AddItem(later);
+        later->AddObserver(&watcher);
+        EXPECT_THROW(node.DeleteChildren(), KRException);
+    };
+    life.log.then["later 17"] = [&] {
         life.log.then.clear();
         throw KRException("no", "", "", "", 0);
     };
     node.DeleteChildren();
     for (const char *told : {"v 17", "v 18", "m 18", "w 17", "w 18"})
         EXPECT_EQ(std::count(life.log.lines.begin(), life.log.lines.end(), told), 1) << told;
+    life.log.take();
+    EXPECT_TRUE(life.tree.DeleteNode("/n/later"));
+    EXPECT_THAT(life.log.take(), ElementsAre("later 18"));
 }
 
 TEST(TreeLife, WhatAnObserverMovesLivesOn)

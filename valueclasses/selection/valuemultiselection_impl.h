@@ -77,11 +77,20 @@ unsigned int ValueMultiSelection<Item, Format, Adapter, Exclusive>::SetAt(unsign
     if (current == key || current == this->GetInvalidKey())
         return Base::SetAt(key, item, source);
     const Item selected = item; // it may be the one that is deselected now
-    // No observer may see, or answer, that nothing is selected.
-    const ValueTransaction transaction(*this, CC_SELECTION, source);
-    if (transaction.IsValid())
-        RestoreSelectedAt(current, false, source);
-    return transaction.IsValid() ? Base::SetAt(key, selected, source) : key;
+    const LifeWatch watch(this);
+    if (this->GetUndoManager() != nullptr &&
+        !this->AddUndo(new CommandSelectAt(this, current, true, nullptr)))
+        return key;
+    // Not recorded, as it repeats itself at a far end, and told with the item: no observer sees, or
+    // answers, that nothing is selected.
+    if (Item *const deselected = this->GetStored(current)) {
+        deselected->SetSelected(false);
+        this->LogChange(valueitemmap::ItemSet, current);
+    }
+    key = Base::SetAt(key, selected, source);
+    if (!watch.IsGone())
+        this->NotifyObservers(CC_SELECTION, source);
+    return key;
 }
 
 template <typename Item, typename Format, typename Adapter, bool Exclusive>

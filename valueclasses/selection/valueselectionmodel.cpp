@@ -81,6 +81,7 @@ void ValueSelectionModel::showItems(std::vector<SelectionItem> items)
         m_rows.rbegin());
     const int changed = std::min(before, after) - head - tail;
     const int from = head + changed;
+    const QPointer<ValueSelectionModel> alive(this);
     std::copy_n(items.begin() + head, changed, m_rows.begin() + head);
     if (before > after) {
         beginRemoveRows(QModelIndex(), from, from + before - after - 1);
@@ -91,7 +92,7 @@ void ValueSelectionModel::showItems(std::vector<SelectionItem> items)
         m_rows = std::move(items);
         endInsertRows();
     }
-    if (changed > 0)
+    if (changed > 0 && !alive.isNull())
         Q_EMIT dataChanged(index(head), index(from - 1));
 }
 
