@@ -43,9 +43,10 @@ public:
     /// The whole document is checked first. \throws KRException, with nothing changed, for what
     /// isn't well-formed, nests deeper than a tree may, declares entities, names an item twice, has
     /// a value in a node's place or the other way round, or a text that its value can't take. A
-    /// value of an unknown kind is traced and left out, and what stands there stays. Observers and
-    /// repairs may add and delete what they like meanwhile: the document is read onto what was
-    /// added, and what it names is made anew unless the node that it stood in is gone.
+    /// value of an unknown kind is traced and left out, and a value that stands there stays.
+    /// Observers and repairs may add and delete what they like meanwhile: the document is read onto
+    /// what was added, and what it names is made anew, unless the node that it stood in is gone or
+    /// a node's own repair has deleted it.
     static bool FromXml(Node *node, const QString &xml);
 
     /// Whether a file of that version may be read: the same one, or the handler accepts it.

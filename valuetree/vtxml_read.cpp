@@ -219,8 +219,10 @@ void TreeReader::applyNode(Node &parent, std::size_t at, const QString &name)
         return made == nullptr;
     };
     const bool wasFresh = m_fresh;
-    if (wasFresh)
-        add();
+    if (wasFresh && !add()) { // a repair further down has put something here
+        m_fresh = false;
+        return applyNode(parent, at, name);
+    }
     const ItemWatch parentWatch(&parent), watch(&node);
     applyDescriptor(node, at);
     if (!watch.isGone()) {
@@ -258,6 +260,8 @@ void TreeReader::applyValue(Node &parent, std::size_t at, const QString &name)
         if (parent.AddValue(QString(), value))
             return;
         made.reset(value);
+        if (std::exchange(m_fresh, false)) // as above
+            return applyValue(parent, at, name);
         return traceSkipped(name);
     }
     ValueItem *const item = there->AsValueItem();

@@ -368,7 +368,8 @@ TEST(VtXml, ReadsBehindARepair)
     const QString value = "<%1 type=\"value\"><Type>ValueInt</Type><Value>%2</Value></%1>";
     const QString xml =
         document("<N type=\"node\">" + key + value.arg("A").arg(42) + "<S type=\"node\">" + key +
-                 value.arg("B").arg(43) + "</S>" + value.arg("C").arg(44) + "</N>");
+                 value.arg("B").arg(43) + "</S>" + value.arg("C").arg(44) + "<T type=\"node\">" +
+                 value.arg("D").arg(45) + "</T></N>");
     const auto add = [](Node &node) {
         if (node.GetName() == "S" || node.GetChild("A") != nullptr)
             return;
@@ -380,15 +381,23 @@ TEST(VtXml, ReadsBehindARepair)
             node.DeleteValue(name);
         delete node.GetNode("S");
     };
+    const auto addBeside = [](Node &node) {
+        if (node.GetName() != "S")
+            return;
+        node.GetParent()->AddValue("C", new Int("C", 7));
+        node.GetParent()->AddNode("T/E");
+    };
     const auto addAbove = [&](Node &node) { node.GetName() == "S" ? remove(node) : add(node); };
     struct {
         const char *name;
         std::function<void(Node &)> before, repair;
         TValueState a, b;
+        TValueState c = VS_DISABLED;
     } const rows[] = {
         {"a new node is added to", {}, add, VS_NORMAL, VS_NORMAL},
         {"a new node is deleted from", {}, remove, VS_DISABLED, VS_DISABLED},
         {"both", {}, addAbove, VS_NORMAL, VS_DISABLED},
+        {"what follows is added", {}, addBeside, VS_DISABLED, VS_DISABLED, VS_NORMAL},
         {"one that is there is added to", [](Node &) {}, add, VS_NORMAL, VS_NORMAL},
         {"one that is there is deleted from", add, remove, VS_DISABLED, VS_DISABLED},
         {"one that is there loses a grandchild", add, addAbove, VS_NORMAL, VS_DISABLED},
@@ -416,8 +425,10 @@ TEST(VtXml, ReadsBehindARepair)
                       "");
             Node *const node = root.GetNode("N");
             ASSERT_TRUE(node != nullptr && node->GetNode("S") != nullptr);
-            for (const auto &[path, text, state] :
-                 {std::tuple("A", "42", row.a), {"S/B", "43", row.b}, {"C", "44", VS_DISABLED}}) {
+            for (const auto &[path, text, state] : {std::tuple("A", "42", row.a),
+                                                    {"S/B", "43", row.b},
+                                                    {"C", "44", row.c},
+                                                    {"T/D", "45", VS_DISABLED}}) {
                 const ValueBase *const read = node->GetValue(path);
                 ASSERT_NE(read, nullptr) << path;
                 EXPECT_EQ(read->GetStringValue(), text) << path;
