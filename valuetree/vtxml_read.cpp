@@ -13,6 +13,8 @@
 
 #include <QSet>
 
+#include <utility>
+
 namespace values {
 
 namespace {

@@ -71,9 +71,10 @@ unsigned int ValueMultiSelection<Item, Format, Adapter, Exclusive>::SetAt(unsign
                                                                           const Item &item,
                                                                           IObserver *source)
 {
-    const unsigned int current = Exclusive && item.IsSelected() && !this->IsChangeForeign()
-                                     ? GetCurrentIndex()
-                                     : this->GetInvalidKey();
+    const bool replaces = Exclusive && item.IsSelected();
+    if (replaces && this->PostIfForeign([this, key, item, source] { SetAt(key, item, source); }))
+        return key;
+    const unsigned int current = replaces ? GetCurrentIndex() : this->GetInvalidKey();
     if (current == key || current == this->GetInvalidKey())
         return Base::SetAt(key, item, source);
     const Item selected = item; // it may be the one that is deselected now
