@@ -79,7 +79,8 @@ void appendText(std::string &out, double number)
     // QString rounds halves away from zero, to_chars to even. Halves at the sixth decimal are the
     // odd multiples of 1/128.
     const double scaled = std::fabs(number) * 128;
-    if (scaled < 0x1p53 && std::fmod(scaled, 2.0) == 1.0) {
+    const auto whole = scaled < 0x1p53 ? std::int64_t(scaled) : 0;
+    if (whole % 2 != 0 && double(whole) == scaled) {
         out += QString::number(number, 'f', 6).toStdString();
         return;
     }
