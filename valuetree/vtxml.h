@@ -46,7 +46,8 @@ public:
     /// value of an unknown kind is traced and left out, and a value that stands there stays.
     /// Observers and repairs may add and delete what they like meanwhile: the document is read onto
     /// what was added, and what it names is made anew, unless the node that it stood in is gone or
-    /// a node's own repair has deleted it.
+    /// a node's own repair has deleted it. A new node whose place is taken while it is made is
+    /// traced and left out.
     static bool FromXml(Node *node, const QString &xml);
 
     /// Whether a file of that version may be read: the same one, or the handler accepts it.

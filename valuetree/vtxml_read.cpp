@@ -13,8 +13,6 @@
 
 #include <QSet>
 
-#include <utility>
-
 namespace values {
 
 namespace {
@@ -221,20 +219,23 @@ void TreeReader::applyNode(Node &parent, std::size_t at, const QString &name)
         return made == nullptr;
     };
     const bool wasFresh = m_fresh;
+    const ItemWatch parentWatch(&parent), watch(&node);
     if (wasFresh && !add()) { // a repair further down has put something here
         m_fresh = false;
-        return applyNode(parent, at, name);
+        applyNode(parent, at, name);
+        m_fresh = true; // for the next ones
+        return;
     }
-    const ItemWatch parentWatch(&parent), watch(&node);
-    applyDescriptor(node, at);
+    if (!watch.isGone()) // a repair may have left an observer who deletes
+        applyDescriptor(node, at);
     if (!watch.isGone()) {
         m_fresh = node.GetChildrenCount() == 0; // a repair may have added some
         apply(node, at);
     }
     m_fresh = wasFresh;
-    if (watch.isGone())
-        static_cast<void>(made.release()); // a repair has deleted it
-    else if (made != nullptr && (wasFresh || parentWatch.isGone() || !add()))
+    if (watch.isGone() || node.GetParent() != nullptr)
+        static_cast<void>(made.release()); // a repair has deleted it, or put it somewhere
+    else if (made != nullptr && (parentWatch.isGone() || !add()))
         traceSkipped(name);
 }
 
@@ -262,9 +263,12 @@ void TreeReader::applyValue(Node &parent, std::size_t at, const QString &name)
         if (parent.AddValue(QString(), value))
             return;
         made.reset(value);
-        if (std::exchange(m_fresh, false)) // as above
-            return applyValue(parent, at, name);
-        return traceSkipped(name);
+        if (!m_fresh)
+            return traceSkipped(name);
+        m_fresh = false; // as above
+        applyValue(parent, at, name);
+        m_fresh = true;
+        return;
     }
     ValueItem *const item = there->AsValueItem();
     ValueBase *const value = item != nullptr ? item->GetValue() : nullptr;

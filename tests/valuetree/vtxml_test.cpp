@@ -439,4 +439,33 @@ TEST(VtXml, ReadsBehindARepair)
         }
 }
 
+TEST(VtXml, ARepairMayLeaveAnObserverWhoDeletes)
+{
+    struct Deleter : IObserver {
+        void Update(Observable *subject, TChangeCode code) override
+        {
+            if (code == CC_CHILD_ADDED)
+                delete dynamic_cast<Node &>(*subject).GetNode("S");
+        }
+    } deleter;
+    const OneDescriptor map;
+    Versions handler;
+    handler.AddValueDescriptor(map.descriptor);
+    handler.repair = [&](Node &node) {
+        if (node.GetName() == "N")
+            node.AddObserver(&deleter);
+    };
+    VtXml::SetVtFileVersion(&handler);
+    const QString key = "<ValueDescriptor>KEY</ValueDescriptor>";
+    Node root;
+    VtXml::FromXml(&root, document("<N type=\"node\">" + key + "<S type=\"node\">" + key +
+                                   "</S><T type=\"node\"/></N>"));
+    Node *const node = root.GetNode("N");
+    ASSERT_NE(node, nullptr);
+    EXPECT_EQ(node->GetNode("S"), nullptr);
+    EXPECT_NE(node->GetNode("T"), nullptr);
+    node->DeleteObserver(&deleter);
+    node->SetValueDescriptor(nullptr, nullptr);
+}
+
 } // namespace
