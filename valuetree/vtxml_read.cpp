@@ -209,9 +209,15 @@ void TreeReader::applyNode(Node &parent, std::size_t at, const QString &name)
             apply(*there->AsNode(), at);
         return;
     }
-    auto made = std::make_unique<Node>(name);
-    made->SetAutoDeleteAtAddValue(parent.IsAutoDeleteAtAddValue());
-    Node &node = *made;
+    Node &node = *new Node(name);
+    const ItemWatch parentWatch(&parent), watch(&node);
+    // Not when a repair has deleted it or put it somewhere, even one that throws.
+    const auto discard = [&watch](Node *unplaced) {
+        if (!watch.isGone() && unplaced->GetParent() == nullptr)
+            delete unplaced;
+    };
+    std::unique_ptr<Node, decltype(discard)> made(&node, discard);
+    node.SetAutoDeleteAtAddValue(parent.IsAutoDeleteAtAddValue());
     const auto add = [&] { // an observer that throws does so when the node stands
         static_cast<void>(made.release());
         if (!parent.AddNode(QString(), &node))
@@ -219,7 +225,6 @@ void TreeReader::applyNode(Node &parent, std::size_t at, const QString &name)
         return made == nullptr;
     };
     const bool wasFresh = m_fresh;
-    const ItemWatch parentWatch(&parent), watch(&node);
     if (wasFresh && !add()) { // a repair further down has put something here
         m_fresh = false;
         applyNode(parent, at, name);
@@ -233,9 +238,8 @@ void TreeReader::applyNode(Node &parent, std::size_t at, const QString &name)
         apply(node, at);
     }
     m_fresh = wasFresh;
-    if (watch.isGone() || node.GetParent() != nullptr)
-        static_cast<void>(made.release()); // a repair has deleted it, or put it somewhere
-    else if (made != nullptr && (parentWatch.isGone() || !add()))
+    if (!watch.isGone() && node.GetParent() == nullptr && made != nullptr &&
+        (parentWatch.isGone() || !add()))
         traceSkipped(name);
 }
 

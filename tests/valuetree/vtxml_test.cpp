@@ -465,7 +465,14 @@ TEST(VtXml, ARepairMayLeaveAnObserverWhoDeletes)
     EXPECT_EQ(node->GetNode("S"), nullptr);
     EXPECT_NE(node->GetNode("T"), nullptr);
     node->DeleteObserver(&deleter);
-    node->SetValueDescriptor(nullptr, nullptr);
+    delete node;
+
+    handler.repair = [](Node &repaired) {
+        delete &repaired;
+        throw KRException("no", "", "", "", 0);
+    };
+    EXPECT_THROW(VtXml::FromXml(&root, document("<N type=\"node\">" + key + "</N>")), KRException);
+    EXPECT_EQ(root.GetChildrenCount(), 0);
 }
 
 } // namespace
