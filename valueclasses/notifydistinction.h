@@ -9,7 +9,6 @@
 
 #include <condition_variable>
 #include <functional>
-#include <memory>
 #include <vector>
 
 namespace values {

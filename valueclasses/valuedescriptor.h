@@ -15,6 +15,11 @@ namespace values {
 class Node;
 class ValueBase;
 
+/// The items of a selection's descriptor. A literal 0 isn't one: it is the minimum of a number.
+template <typename T>
+concept SelItemArray = std::same_as<T, SelItemDesc *> || std::same_as<T, const SelItemDesc *> ||
+    std::same_as<T, std::nullptr_t>;
+
 /// The declaration of one value: where it lives in the tree, of which kind, with which limits, unit
 /// and initial text. Applications declare arrays of static descriptors; the values come into the
 /// tree of the process when Create asks for them.
@@ -35,13 +40,10 @@ public:
     ValueDescriptor(QString name, QString path, const ValueBase *type, QString initial,
                     double minimum, double maximum, double step = 1.0, QString unit = {},
                     int basis = 0, QString tooltip = {});
-    /// A selection, with its items. Deduced, so that a literal 0 is the minimum of a number.
-    template <typename Items>
-    requires std::same_as<Items, SelItemDesc *> || std::same_as<Items, const SelItemDesc *> ||
-        std::same_as<Items, std::nullptr_t>
-        ValueDescriptor(QString name, QString path, const ValueBase *type, QString initial,
-                        Items items, int itemCount, QString unit = {}, int basis = 0,
-                        QString tooltip = {})
+    /// A selection, with its items; null for none.
+    template <SelItemArray Items>
+    ValueDescriptor(QString name, QString path, const ValueBase *type, QString initial, Items items,
+                    int itemCount, QString unit = {}, int basis = 0, QString tooltip = {})
         : ValueDescriptor(std::move(name), std::move(path), type, std::move(initial),
                           Selection{items, itemCount}, std::move(unit), basis, std::move(tooltip))
     {

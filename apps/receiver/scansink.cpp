@@ -2,6 +2,7 @@
 
 #include "apps/common/failure.h"
 #include "apps/receiver/samplewriter.h"
+#include "platform/base/sync.h"
 #include "scanbuffer/datasourceqobject.h"
 #include "scanbuffer/idatasourceadapter.h"
 #include "scanbuffer/scanbufferrepository.h"
@@ -51,6 +52,7 @@ public:
 
     void onWindow(std::function<void()> seen) override
     {
+        const Kelm::QtGate gate; // another thread emits
         QObject::connect(
             m_source, &sbs::DataSourceQObject::signalAdapterCreated, m_source,
             [seen = std::move(seen)] { seen(); }, Qt::DirectConnection);

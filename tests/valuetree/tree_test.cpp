@@ -240,10 +240,9 @@ TEST(TreeLife, NoChildIsToldTwiceWhenAnObserverBreaksOffInIt)
 {
     Life life;
     Node &node = *life.tree.GetNode("/n");
-    Node *later = nullptr;
     TreeLog::Watcher watcher(life.log, "later");
     life.log.then["m 18"] = [&] {
-        later = new Node("later");
+        auto *const later = new Node("later");
         node.AddItem(later);
         later->AddObserver(&watcher);
         EXPECT_THROW(node.DeleteChildren(), KRException);

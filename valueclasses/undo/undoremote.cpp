@@ -39,9 +39,10 @@ QString UndoRemoteValue::GetText() const
 
 void UndoRemoteValue::SetText(const QString &text)
 {
-    if (m_value != nullptr)
-        m_value->SetUndoManager(nullptr); // recorded, what is told of a history would change it
-    if (m_value != nullptr)
+    if (m_value == nullptr)
+        return;
+    m_value->SetUndoManager(nullptr); // else telling of a history would change it
+    if (m_value != nullptr)           // who was told of that may have ended it
         m_value->SetValue(text, this);
 }
 
